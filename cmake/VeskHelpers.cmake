@@ -1,0 +1,8 @@
+# Flags shared by every C++ target that ends up in a device image.
+function(vesk_device_target target)
+  target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:${VESK_CXX_FLAGS}>)
+  # Link with the C driver and refuse undefined symbols, so that any use of
+  # libstdc++ or libgcc_s fails the build instead of showing up on the device.
+  set_target_properties(${target} PROPERTIES LINKER_LANGUAGE C)
+  target_link_options(${target} PRIVATE -Wl,-z,defs -Wl,--as-needed)
+endfunction()

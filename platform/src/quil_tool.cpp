@@ -1,0 +1,101 @@
+// quil: read and write the configuration store from the shell.
+//   quil get KEY          number in decimal, record in hex
+//   quil set KEY VALUE    the same forms
+//   quil list             the store's file as it stands
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include "quil.h"
+
+namespace {
+
+int usage()
+{
+    fputs("usage: quil get KEY | quil set KEY VALUE | quil list\n"
+          "  numbers are decimal, records are hex (two digits a byte)\n",
+          stderr);
+    return 2;
+}
+
+int get(const char *key)
+{
+    int is_number = 0;
+    int size = quil_key_info(key, &is_number);
+    if (!size) {
+        fprintf(stderr, "quil: unknown key %s\n", key);
+        return 1;
+    }
+    unsigned char value[128] = {};
+    if (!quil_get_value(value, "%s", key))
+        return 1;
+    if (is_number) {
+        int v;
+        memcpy(&v, value, sizeof v);
+        printf("%d\n", v);
+    } else {
+        for (int i = 0; i < size; i++)
+            printf("%02x", value[i]);
+        putchar('\n');
+    }
+    return 0;
+}
+
+int set(const char *key, const char *text)
+{
+    int is_number = 0;
+    int size = quil_key_info(key, &is_number);
+    if (!size) {
+        fprintf(stderr, "quil: unknown key %s\n", key);
+        return 1;
+    }
+    unsigned char value[128] = {};
+    if (is_number) {
+        char *end;
+        int v = static_cast<int>(strtol(text, &end, 0));
+        if (*end || end == text) {
+            fprintf(stderr, "quil: %s takes a number\n", key);
+            return 1;
+        }
+        memcpy(value, &v, sizeof v);
+    } else {
+        if (strlen(text) != 2 * static_cast<size_t>(size)) {
+            fprintf(stderr, "quil: %s takes %d bytes in hex\n", key, size);
+            return 1;
+        }
+        for (int i = 0; i < size; i++) {
+            unsigned int byte;
+            if (sscanf(text + 2 * i, "%2x", &byte) != 1) {
+                fprintf(stderr, "quil: bad hex in %s\n", text);
+                return 1;
+            }
+            value[i] = static_cast<unsigned char>(byte);
+        }
+    }
+    return quil_set_value(value, key) == 0 ? 0 : 1;
+}
+
+int list()
+{
+    FILE *f = fopen(QUIL_DAT_FILE, "r");
+    if (!f)
+        return 0;
+    int c;
+    while ((c = getc(f)) != EOF)
+        putchar(c);
+    fclose(f);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc == 3 && !strcmp(argv[1], "get"))
+        return get(argv[2]);
+    if (argc == 4 && !strcmp(argv[1], "set"))
+        return set(argv[2], argv[3]);
+    if (argc == 2 && !strcmp(argv[1], "list"))
+        return list();
+    return usage();
+}

@@ -1,0 +1,245 @@
+// Stand-in for the device's system library.
+#include "sysapi.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <limits.h>
+#include <signal.h>
+#include <spawn.h>
+#include <stdarg.h>
+#include <stdint.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <time.h>
+
+#include "core/unique.hpp"
+
+extern char **environ;
+
+namespace {
+
+using vesk::unique_fd;
+using vesk::unique_file;
+using vesk::unique_heap;
+
+// Formats a command line of any length into a heap block.
+unique_heap format_command(const char *format, va_list ap)
+{
+    va_list again;
+    va_copy(again, ap);
+    int len = vsnprintf(nullptr, 0, format, ap);
+    unique_heap line;
+    if (len >= 0) {
+        line.reset(malloc(static_cast<size_t>(len) + 1));
+        if (line)
+            vsnprintf(static_cast<char *>(line.get()), static_cast<size_t>(len) + 1, format, again);
+    }
+    va_end(again);
+    return line;
+}
+
+constexpr int kCouldNotRun = -1;
+
+// Runs "/bin/sh -c line" and waits. posix_spawn does not copy the caller's
+// address space, which matters for the big programs on a small device.
+// With out_fd >= 0 the shell's standard output is that descriptor.
+// Returns the raw wait status, or kCouldNotRun.
+int run_shell(const char *line, int out_fd, pid_t *child)
+{
+    posix_spawn_file_actions_t actions;
+    if (posix_spawn_file_actions_init(&actions) != 0)
+        return kCouldNotRun;
+    if (out_fd >= 0)
+        posix_spawn_file_actions_adddup2(&actions, out_fd, STDOUT_FILENO);
+    char sh[] = "/bin/sh", dash_c[] = "-c";
+    char *argv[] = {sh, dash_c, const_cast<char *>(line), nullptr};
+    int rc = posix_spawn(child, "/bin/sh", &actions, nullptr, argv, environ);
+    posix_spawn_file_actions_destroy(&actions);
+    return rc == 0 ? 0 : kCouldNotRun;
+}
+
+// Waits for the child. Returns its wait status; -1 when it cannot be had
+// (SIGCHLD ignored by the caller reaps the child itself).
+int wait_child(pid_t child)
+{
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0) {
+        if (errno != EINTR)
+            return -1;
+    }
+    return status;
+}
+
+int exit_code(int status)
+{
+    if (WIFEXITED(status))
+        return WEXITSTATUS(status);
+    if (WIFSIGNALED(status))
+        return 128 + WTERMSIG(status);
+    return 1;
+}
+
+} // namespace
+
+extern "C" {
+
+int CMD(const char *format, ...)
+{
+    if (!format)
+        return kCouldNotRun;
+    va_list ap;
+    va_start(ap, format);
+    unique_heap line = format_command(format, ap);
+    va_end(ap);
+    if (!line)
+        return kCouldNotRun;
+    fflush(nullptr); // keep the caller's buffered output ahead of the child's
+    pid_t child;
+    if (run_shell(static_cast<const char *>(line.get()), -1, &child) != 0)
+        return kCouldNotRun;
+    int status = wait_child(child);
+    return status < 0 ? 0 : exit_code(status);
+}
+
+int sysinteract(char *buf, int size, const char *format, ...)
+{
+    if (!buf || size <= 0 || !format)
+        return kCouldNotRun;
+    va_list ap;
+    va_start(ap, format);
+    unique_heap line = format_command(format, ap);
+    va_end(ap);
+    if (!line)
+        return kCouldNotRun;
+
+    int fds[2];
+    if (pipe2(fds, O_CLOEXEC) != 0)
+        return kCouldNotRun;
+    unique_fd rd(fds[0]), wr(fds[1]);
+    fflush(nullptr);
+    pid_t child;
+    if (run_shell(static_cast<const char *>(line.get()), wr.get(), &child) != 0)
+        return kCouldNotRun;
+    wr.reset();
+
+    // Read to the end so the command never blocks on a full pipe; keep what fits.
+    size_t used = 0, room = static_cast<size_t>(size) - 1;
+    char scrap[512];
+    for (;;) {
+        char *dst = used < room ? buf + used : scrap;
+        size_t want = used < room ? room - used : sizeof scrap;
+        ssize_t n = read(rd.get(), dst, want);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            break;
+        if (dst != scrap)
+            used += static_cast<size_t>(n);
+    }
+    buf[used] = '\0';
+
+    int status = wait_child(child);
+    if (status < 0)
+        return 1; // reaped elsewhere: it ran, its status is unknown
+    return (WIFEXITED(status) && WEXITSTATUS(status) == 0) ? 1 : 0;
+}
+
+void T_PRINTF(const char *format, ...)
+{
+    if (!format)
+        return;
+    va_list ap;
+    va_start(ap, format);
+    vfprintf(stderr, format, ap);
+    va_end(ap);
+}
+
+void system_log(int level, const char *text)
+{
+    if (!text)
+        return;
+    unique_file log = vesk::open_file("/var/log/messages", "a");
+    if (!log)
+        return;
+    time_t now = time(nullptr);
+    struct tm tm;
+    char stamp[32] = "";
+    if (localtime_r(&now, &tm))
+        strftime(stamp, sizeof stamp, "%b %e %H:%M:%S", &tm);
+    size_t len = strlen(text);
+    const char *nl = (len && text[len - 1] == '\n') ? "" : "\n";
+    fprintf(log.get(), "%s vesk[%d]: <%d> %s%s", stamp, static_cast<int>(getpid()), level, text, nl);
+}
+
+void x_gettimeofday(void *tv)
+{
+    if (!tv)
+        return;
+    uint32_t words[2] = {0, 0};
+    unique_file f = vesk::open_file("/proc/uptime", "r");
+    unsigned long sec = 0, frac = 0;
+    char fracs[8] = "";
+    if (f && fscanf(f.get(), "%lu.%7[0-9]", &sec, fracs) >= 1) {
+        // Scale the fraction's digits to microseconds.
+        size_t digits = strlen(fracs);
+        for (size_t i = 0; i < 6; i++)
+            frac = frac * 10 + (i < digits ? fracs[i] - '0' : 0);
+        words[0] = static_cast<uint32_t>(sec);
+        words[1] = static_cast<uint32_t>(frac);
+    } else {
+        struct timespec ts;
+        clock_gettime(CLOCK_BOOTTIME, &ts);
+        words[0] = static_cast<uint32_t>(ts.tv_sec);
+        words[1] = static_cast<uint32_t>(ts.tv_nsec / 1000);
+    }
+    memcpy(tv, words, sizeof words);
+}
+
+unsigned int getNumOfRecord(const char *path, int)
+{
+    if (!path)
+        return 0;
+    unique_file f = vesk::open_file(path, "r");
+    if (!f)
+        return 0;
+    unsigned int lines = 0;
+    int c, last = '\n';
+    while ((c = getc(f.get())) != EOF) {
+        if (c == '\n')
+            lines++;
+        last = c;
+    }
+    if (last != '\n')
+        lines++;
+    return lines;
+}
+
+int osapi_is_file_existed(const char *path)
+{
+    return path && access(path, F_OK) == 0;
+}
+
+unsigned int osapi_file_size(const char *path)
+{
+    struct stat st;
+    if (!path || stat(path, &st) != 0)
+        return 0;
+    return st.st_size > static_cast<off_t>(UINT_MAX) ? UINT_MAX : static_cast<unsigned int>(st.st_size);
+}
+
+int osapi_is_proc_pid_existed(const char *pid_file)
+{
+    if (!pid_file)
+        return 0;
+    unique_file f = vesk::open_file(pid_file, "r");
+    long pid = 0;
+    if (!f || fscanf(f.get(), "%ld", &pid) != 1)
+        return 0;
+    // Only a real process number: 0 and negatives would address groups.
+    if (pid <= 0 || pid > INT_MAX)
+        return 0;
+    return (kill(static_cast<pid_t>(pid), 0) == 0 || errno == EPERM) ? 1 : 0;
+}
+
+} // extern "C"

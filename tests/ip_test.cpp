@@ -1,0 +1,121 @@
+#include <gtest/gtest.h>
+
+#include "vdev.hpp"
+#include "vesk_ip.h"
+
+namespace {
+
+using testing::internal::CaptureStderr;
+using testing::internal::GetCapturedStderr;
+
+TEST(Ip, TextToNumber)
+{
+    const struct {
+        const char *text;
+        unsigned int value;
+        const char *message; // "" when none
+    } cases[] = {
+        {"192.168.1.1", 0xC0A80101, ""},
+        {"0.0.0.0", 0, ""},
+        {"255.255.255.255", 0xFFFFFFFF, ""},
+        {" 1. 2. 3. 4", 0x01020304, ""},
+        {"010.0.0.1", 0x0A000001, ""}, // always decimal
+        {"192.168.1.1/24", 0xC0A80101, ""},
+        {"1.2.3.4.5", 0x01020304, ""},
+        {"1.2.3.256", 0x01020400, ""}, // carries into the next field
+        {"300.0.0.0", 0x2C000000, ""},
+        {"-1.0.0.0", 0xFF000000, ""},
+        {"0.0.0.-1", 0xFFFFFFFF, ""},
+        {"+1.+2.+3.+4", 0x01020304, ""},
+        {"192.168.1", 0, "Error! [vesk_str_2_ipaddr] Invalid IP address!\n"},
+        {"abc", 0, "Error! [vesk_str_2_ipaddr] Invalid IP address!\n"},
+        {"1..2.3", 0, "Error! [vesk_str_2_ipaddr] Invalid IP address!\n"},
+        {"", 0, "Error! [vesk_str_2_ipaddr] ipaddr_str is null\n"},
+        {nullptr, 0, "Error! [vesk_str_2_ipaddr] ipaddr_str is null\n"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.text ? c.text : "(null)");
+        CaptureStderr();
+        EXPECT_EQ(vesk_str_2_ipaddr(c.text), c.value);
+        EXPECT_EQ(GetCapturedStderr(), c.message);
+    }
+}
+
+TEST(Ip, NumberToText)
+{
+    const struct {
+        unsigned int value;
+        const char *text;
+    } cases[] = {
+        {0xC0A80101, "192.168.1.1"}, {0, "0.0.0.0"}, {0xFFFFFFFF, "255.255.255.255"}, {0x0A000001, "10.0.0.1"}};
+    for (const auto &c : cases) {
+        char dst[16];
+        memset(dst, 'x', sizeof dst);
+        EXPECT_EQ(vesk_ipaddr_2_str(c.value, dst), 1);
+        EXPECT_STREQ(dst, c.text);
+        EXPECT_STREQ(vesk_get_ipaddr_str(c.value), c.text);
+        EXPECT_EQ(vesk_str_2_ipaddr(c.text), c.value);
+    }
+    CaptureStderr();
+    EXPECT_EQ(vesk_ipaddr_2_str(1, nullptr), 0);
+    EXPECT_EQ(GetCapturedStderr(), "Error! [vesk_ipaddr_2_str] dst is null\n");
+}
+
+TEST(Ip, StaticBufferIsSharedBetweenCalls)
+{
+    char *first = vesk_get_ipaddr_str(0x01020304);
+    char *second = vesk_get_ipaddr_str(0xC0000201);
+    EXPECT_EQ(first, second);
+    EXPECT_STREQ(first, "192.0.2.1");
+}
+
+TEST(Ip, SameSubnet)
+{
+    const struct {
+        unsigned int a, b, mask;
+        int same;
+    } cases[] = {
+        {0xC0A80101, 0xC0A801FE, 0xFFFFFF00, 1}, {0xC0A80101, 0xC0A80201, 0xFFFFFF00, 0},
+        {0x01020304, 0xFFFFFFFF, 0, 1},          {0x01020304, 0x01020304, 0xFFFFFFFF, 1},
+        {0x01020304, 0x01020305, 0xFFFFFFFF, 0},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(vesk_check_same_subnet(c.a, c.b, c.mask), c.same) << std::hex << c.a << " " << c.b;
+
+    EXPECT_EQ(vesk_check_same_subnet_str("192.0.2.7", "192.0.2.200", 0xFFFFFF00), 1);
+    EXPECT_EQ(vesk_check_same_subnet_str("192.0.2.7", "198.51.100.7", 0xFFFFFF00), 0);
+    // Text that does not parse counts as 0.0.0.0, with the parser's message.
+    CaptureStderr();
+    EXPECT_EQ(vesk_check_same_subnet_str("garbage", "0.1.2.3", 0xFF000000), 1);
+    EXPECT_EQ(GetCapturedStderr(), "Error! [vesk_str_2_ipaddr] Invalid IP address!\n");
+}
+
+TEST(Ip, FirstAddressOfHost)
+{
+    vdev::put("/etc/hosts", "127.0.0.1 localhost\n203.0.113.5 printer.lan\n203.0.113.6 printer.lan\n");
+    const struct {
+        const char *node;
+        const char *addr; // null: does not resolve
+    } cases[] = {
+        {"printer.lan", "203.0.113.5"},
+        {"198.51.100.20", "198.51.100.20"},
+        {"localhost", "127.0.0.1"},
+        {"no-such-host.invalid", nullptr},
+        {nullptr, nullptr},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.node ? c.node : "(null)");
+        char *filled = vesk_ip_get_1st_addr_info("203.0.113.77");
+        ASSERT_STREQ(filled, "203.0.113.77");
+        char *got = vesk_ip_get_1st_addr_info(c.node);
+        if (c.addr) {
+            EXPECT_EQ(got, filled);
+            EXPECT_STREQ(got, c.addr);
+        } else {
+            EXPECT_EQ(got, nullptr);
+            EXPECT_STREQ(filled, ""); // the earlier answer does not survive a failure
+        }
+    }
+}
+
+} // namespace

@@ -1,0 +1,105 @@
+#include "vdev.hpp"
+
+#include <fcntl.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <sstream>
+
+namespace vdev {
+
+namespace {
+
+void make_parents(const std::string &path)
+{
+    for (size_t pos = path.find('/', 1); pos != std::string::npos; pos = path.find('/', pos + 1))
+        mkdir(path.substr(0, pos).c_str(), 0755);
+}
+
+std::string slurp_fd(int fd)
+{
+    std::string text;
+    char buf[4096];
+    lseek(fd, 0, SEEK_SET);
+    for (ssize_t n; (n = ::read(fd, buf, sizeof buf)) > 0;)
+        text.append(buf, static_cast<size_t>(n));
+    return text;
+}
+
+} // namespace
+
+void put(const std::string &path, std::string_view content)
+{
+    make_parents(path);
+    unlink(path.c_str()); // an emulated /proc entry is a link to the kernel's
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+std::string read(const std::string &path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream ss;
+    ss << in.rdbuf();
+    return ss.str();
+}
+
+bool exists(const std::string &path) { return access(path.c_str(), F_OK) == 0; }
+
+void remove(const std::string &path) { unlink(path.c_str()); }
+
+int sh(const std::string &command)
+{
+    fflush(nullptr);
+    int status = system(command.c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+std::vector<std::string> journal()
+{
+    std::vector<std::string> lines;
+    std::ifstream in("/run/vdev/journal");
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+void clear_journal() { std::ofstream("/run/vdev/journal", std::ios::trunc); }
+
+void set_board(const std::string &key, const std::string &value)
+{
+    std::string conf = read("/run/vdev/board.conf"), out;
+    std::istringstream in(conf);
+    for (std::string line; std::getline(in, line);)
+        if (line.rfind(key + "=", 0) != 0)
+            out += line + "\n";
+    put("/run/vdev/board.conf", out + key + "=" + value + "\n");
+}
+
+outcome in_child(void (*fn)(void *), void *arg)
+{
+    char out_name[] = "/tmp/.vdev-outXXXXXX", err_name[] = "/tmp/.vdev-errXXXXXX";
+    int out = mkstemp(out_name), err = mkstemp(err_name);
+    unlink(out_name);
+    unlink(err_name);
+    fflush(nullptr);
+    pid_t pid = fork();
+    if (pid == 0) {
+        dup2(out, 1);
+        dup2(err, 2);
+        fn(arg);
+        fflush(nullptr);
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(pid, &status, 0);
+    outcome o{WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), slurp_fd(out), slurp_fd(err)};
+    close(out);
+    close(err);
+    return o;
+}
+
+} // namespace vdev
