@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <net/if.h>
 #include <linux/sockios.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -229,6 +230,20 @@ TEST_F(BrTable, BusyTableIsAskedTenTimes)
         EXPECT_EQ(fake_sleep::calls, c.sleeps);
         EXPECT_EQ(fake_sleep::slept_us, 0u); // sleep(0): a yield, not a wait
     }
+}
+
+TEST_F(BrTable, NoSocket)
+{
+    add_static_entries(1);
+    auto o = vdev::in_child([] {
+        const rlimit none{0, 0};
+        setrlimit(RLIMIT_NOFILE, &none);
+        unsigned char mac[6];
+        entry_mac(1, mac);
+        _exit(strcmp(brtable_find_if_by_mac(mac, "br0"), "unknown") == 0 ? 0 : 1);
+    });
+    EXPECT_EQ(o.status, 0);
+    EXPECT_EQ(o.err, "");
 }
 
 TEST_F(BrTable, FailedPortList)

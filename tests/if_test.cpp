@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <net/if.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
+#include <unistd.h>
 #include <sys/utsname.h>
 
 #include <string>
@@ -172,6 +174,25 @@ TEST(IfQuery, NullNameIsReportedByEachQuery)
                                    "vesk_if_is_up: interface is NULL!\n"
                                    "vesk_if_get_index: interface is NULL!\n"
                                    "vesk_if_get_mtu: interface is NULL!\n");
+}
+
+TEST(IfQuery, NoSocket)
+{
+    // No descriptor can be opened: only the hardware-address queries and the
+    // LAN-state request say so.
+    auto o = vdev::in_child([] {
+        const rlimit none{0, 0};
+        setrlimit(RLIMIT_NOFILE, &none);
+        unsigned char mac[6];
+        bool ok = vesk_if_get_hw_addr("br0", mac) == 0 && vesk_if_is_existed("br0") == 0 &&
+                  strcmp(vesk_if_get_ip("br0"), "---") == 0 && strcmp(vesk_if_get_subnet("br0"), "---") == 0 &&
+                  vesk_if_is_up("br0") == 0 && vesk_if_get_mtu("br0") == 0 && vesk_if_set_lan_state("br0", 1) == 0;
+        _exit(ok ? 0 : 1);
+    });
+    EXPECT_EQ(o.status, 0);
+    EXPECT_EQ(o.err, "socket(): Too many open files\n"
+                     "socket(): Too many open files\n"
+                     "vesk_if_set_lan_state: socket error!\n");
 }
 
 TEST(IfLanState, AbsentDeviceIsNoError)
