@@ -9,6 +9,7 @@
 #include "core/line_reader.hpp"
 #include "sysapi.h"
 #include "vesk_if.h"
+#include "vesk_string.h"
 
 static_assert(sizeof(vesk_if_stats) == 112, "4 x 64-bit, 19 x 32-bit, padded to 8");
 static_assert(offsetof(vesk_if_stats, rx_packets) == 0);
@@ -41,9 +42,7 @@ layout layout_of(const char *header)
 // a name, or with one longer than a kernel's, are empty.
 std::string_view split_name(const char *line, const char **numbers)
 {
-    const char *p = line;
-    while (*p == ' ' || *p == '\t')
-        p++;
+    const char *p = vesk_char_skip_whitespace(line);
     const char *end = p;
     while (*end && *end != ':' && *end != ' ' && *end != '\t' && *end != '\n' && *end != '\r')
         end++;
