@@ -1,0 +1,61 @@
+#include <stdio.h>
+#include <time.h>
+
+#include "cli.hpp"
+#include "vesk_time.h"
+
+namespace {
+
+int uptime(int, char **) { return printf("%u\n", vesk_get_x_time()) < 0; }
+
+int monotonic(int, char **)
+{
+    struct timeval tv;
+    vesk_get_time_of_day(&tv);
+    return printf("%lld.%06ld\n", static_cast<long long>(tv.tv_sec), static_cast<long>(tv.tv_usec)) < 0;
+}
+
+int now(int, char **) { return cli::print_text(vesk_time_get_local_time()); }
+
+int item(int, char **argv)
+{
+    if (!argv[0][0] || argv[0][1]) {
+        fprintf(stderr, "vesk time item: give one letter of y m d h i s f\n");
+        return 2;
+    }
+    return cli::print_text(vesk_time_get_local_time_by_item(argv[0][0]));
+}
+
+int format(int, char **argv)
+{
+    int t;
+    if (!cli::parse_int(argv[0], &t)) {
+        fprintf(stderr, "vesk time format: %s is not a number of seconds\n", argv[0]);
+        return 2;
+    }
+    char buf[128];
+    return cli::print_text(vesk_time_get_str(t, argv[1], buf, sizeof buf));
+}
+
+int day_number(int, char **argv)
+{
+    int month, day;
+    if (!cli::parse_int(argv[0], &month) || !cli::parse_int(argv[1], &day)) {
+        fprintf(stderr, "vesk time day-number: MONTH and DAY are numbers\n");
+        return 2;
+    }
+    return printf("%d\n", date_to_non_zero_julian_day(month, day)) < 0;
+}
+
+constexpr cli::command kCommands[] = {
+    {"uptime", "", "whole seconds since the device started", 0, uptime},
+    {"monotonic", "", "monotonic clock, seconds.microseconds", 0, monotonic},
+    {"now", "", "local time, YYYY/MM/DD hh:mm:ss", 0, now},
+    {"item", "LETTER", "one item of the local time: y m d h i s f", 1, item},
+    {"format", "SECONDS FORMAT", "local text of a time in seconds since 1970 (strftime FORMAT)", 2, format},
+    {"day-number", "MONTH DAY", "zero-based day of a leap year", 2, day_number},
+};
+
+} // namespace
+
+extern const cli::family family_time = {"time", "clock, time zones and calendar", kCommands};
