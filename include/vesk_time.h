@@ -1,10 +1,11 @@
 /* Time and date: the three clocks of the device (uptime seconds, monotonic
  * time, wall clock) and their texts, the day number used by the
- * daylight-saving rule. */
+ * daylight-saving rule, and calendar arithmetic. */
 #ifndef VESK_TIME_H
 #define VESK_TIME_H
 
 #include <stddef.h>
+#include <stdint.h>
 #include <sys/time.h>
 #include <time.h>
 
@@ -54,6 +55,45 @@ VESK_API char *vesk_time_get_local_time_by_item(char item);
  * checked against the month's length (April 31 counts as May 1).
  * Returns -1 for a month outside 1 to 12. */
 VESK_API int date_to_non_zero_julian_day(int month, int day);
+
+/* ---- Calendar ---------------------------------------------------------- */
+
+/* A date, passed by value. As a step it counts how many years, months and
+ * days to add. The calendar functions use year, month and day only; the
+ * time of day behind them is the caller's and is never read nor written. */
+typedef struct vesk_date {
+    uint16_t year;  /* full year */
+    uint16_t month; /* 1 to 12 */
+    uint16_t day;   /* 1 to 31 */
+    uint16_t hour;
+    uint16_t minute;
+    uint16_t second;
+} vesk_date;
+
+/* 1 for a leap year of the Gregorian calendar, else 0. */
+VESK_API int vesk_is_leap_year(int year);
+
+/* Days to add to month's length in a common year: 1 for February of a
+ * leap year, else 0. */
+VESK_API int vesk_fix_feb_29(int year, int month);
+
+/* Steps base by step.day days, then step.month months, then step.year
+ * years, and moves February 29 of a common year to March 1; no other day
+ * is clamped (January 31 plus one month is month 2, day 31). Writes year,
+ * month and day of result; its other fields keep what they held. A base
+ * month outside 1 to 12 is copied to result unchanged. A null result is
+ * ignored. */
+VESK_API void vesk_date_advance(vesk_date base, vesk_date *result, vesk_date step);
+
+/* A duration in words, "1 day 1 hour 1 min 1 sec", "1 hours 0 min 0 secs",
+ * or with compact non-zero "1 day 01:01:01 " (ending in a blank).
+ * Returns a static buffer of 36 bytes, overwritten by the next call. */
+VESK_API char *vesk_transfer_time_format(unsigned int seconds, int compact);
+
+/* Prints one debug line "PREFIX: h:m:s date:YEAR/MON-MDAY " of t through
+ * T_PRINTF (tm_mon as it stands, tm_year plus 1900). prefix may be null;
+ * a null t prints nothing. */
+VESK_API void vesk_print_tm(const char *prefix, const struct tm *t);
 
 VESK_END_DECLS
 

@@ -236,4 +236,147 @@ TEST(Clock, DayNumbersCountALeapYearFromZero)
     }
 }
 
+// ---- Calendar ----------------------------------------------------------------
+
+TEST(Calendar, LeapYearsFollowTheGregorianRule)
+{
+    for (int y : {2000, 2016, 2024, 1600, 4, 0})
+        EXPECT_EQ(vesk_is_leap_year(y), 1) << y;
+    for (int y : {1900, 2015, 2100, 1700, 2023, 1})
+        EXPECT_EQ(vesk_is_leap_year(y), 0) << y;
+    EXPECT_EQ(vesk_fix_feb_29(2016, 2), 1);
+    EXPECT_EQ(vesk_fix_feb_29(2016, 3), 0);
+    EXPECT_EQ(vesk_fix_feb_29(2015, 2), 0);
+    EXPECT_EQ(vesk_fix_feb_29(1900, 2), 0);
+}
+
+vesk_date ymd(int y, int m, int d)
+{
+    return vesk_date{static_cast<uint16_t>(y), static_cast<uint16_t>(m), static_cast<uint16_t>(d), 0, 0, 0};
+}
+
+TEST(Calendar, StepsDaysThenMonthsThenYears)
+{
+    const struct {
+        const char *name;
+        vesk_date base, step, result;
+    } cases[] = {
+        {"into March", ymd(2015, 2, 28), ymd(0, 0, 1), ymd(2015, 3, 1)},
+        {"into the leap day", ymd(2016, 2, 28), ymd(0, 0, 1), ymd(2016, 2, 29)},
+        {"into the new year", ymd(2015, 12, 31), ymd(0, 0, 1), ymd(2016, 1, 1)},
+        {"leap day plus a year", ymd(2016, 2, 29), ymd(1, 0, 0), ymd(2017, 3, 1)},
+        {"leap day plus four years", ymd(2016, 2, 29), ymd(4, 0, 0), ymd(2020, 2, 29)},
+        {"no clamp to February", ymd(2015, 1, 31), ymd(0, 1, 0), ymd(2015, 2, 31)},
+        {"January 29 plus a month", ymd(2015, 1, 29), ymd(0, 1, 0), ymd(2015, 3, 1)},
+        {"months wrap the year", ymd(2015, 11, 5), ymd(0, 3, 0), ymd(2016, 2, 5)},
+        {"days before months", ymd(2015, 1, 31), ymd(0, 1, 1), ymd(2015, 3, 1)},
+        {"zero step", ymd(2015, 6, 15), ymd(0, 0, 0), ymd(2015, 6, 15)},
+        {"zero step mends a false leap day", ymd(2015, 2, 29), ymd(0, 0, 0), ymd(2015, 3, 1)},
+        {"a day that no month has", ymd(2015, 4, 40), ymd(0, 0, 1), ymd(2015, 5, 1)},
+        {"month 0 is left alone", ymd(2015, 0, 10), ymd(1, 1, 1), ymd(2015, 0, 10)},
+        {"month 13 is left alone", ymd(2015, 13, 10), ymd(1, 1, 1), ymd(2015, 13, 10)},
+        {"year wraps in 16 bits", ymd(65535, 3, 1), ymd(2, 0, 0), ymd(1, 3, 1)},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        vesk_date r = {0, 0, 0, 11, 22, 33};
+        vesk_date_advance(c.base, &r, c.step);
+        EXPECT_EQ(r.year, c.result.year);
+        EXPECT_EQ(r.month, c.result.month);
+        EXPECT_EQ(r.day, c.result.day);
+        EXPECT_EQ(r.hour, 11); // the time of day stays the caller's
+        EXPECT_EQ(r.minute, 22);
+        EXPECT_EQ(r.second, 33);
+    }
+    vesk_date_advance(ymd(2015, 1, 1), nullptr, ymd(0, 0, 1)); // no crash
+}
+
+TEST(Calendar, DayStepsAgreeWithTheCLibrary)
+{
+    // 1999 to 2101 holds both century rules; steps of 1 and 400 days.
+    for (int stride : {1, 400}) {
+        for (time_t t = 915148800; t < 4133980800; t += 86400 * 7) {
+            struct tm a, b;
+            gmtime_r(&t, &a);
+            const time_t later = t + 86400LL * stride;
+            gmtime_r(&later, &b);
+            vesk_date r = {};
+            vesk_date_advance(ymd(a.tm_year + 1900, a.tm_mon + 1, a.tm_mday), &r, ymd(0, 0, stride));
+            ASSERT_EQ(r.year * 10000 + r.month * 100 + r.day,
+                      (b.tm_year + 1900) * 10000 + (b.tm_mon + 1) * 100 + b.tm_mday)
+                << stride << " days after " << a.tm_year + 1900 << "/" << a.tm_mon + 1 << "/" << a.tm_mday;
+        }
+    }
+}
+
+TEST(Calendar, DurationTexts)
+{
+    const struct {
+        unsigned int seconds;
+        int compact;
+        const char *text;
+    } cases[] = {
+        {0, 0, "0 secs"},
+        {1, 0, "1 sec"},
+        {59, 0, "59 secs"},
+        {60, 0, "1 min 0 secs"},
+        {61, 0, "1 min 1 sec"},
+        {120, 0, "2 min 0 secs"},
+        {3600, 0, "1 hours 0 min 0 secs"},
+        {3661, 0, "1 hours 1 min 1 sec"},
+        {7322, 0, "2 hours 2 min 2 secs"},
+        {86400, 0, "1 day 0 hours 0 mins 0 secs"},
+        {90061, 0, "1 day 1 hour 1 min 1 sec"},
+        {172800, 0, "2 days 0 hours 0 mins 0 secs"},
+        {4294967295u, 0, "49710 days 6 hours 28 mins 15 secs"},
+        {4294944000u, 0, "49710 days 0 hours 0 mins 0 secs"},
+        {4294967295u - 375, 0, "49710 days 6 hours 22 mins 0 secs"},
+        {0, 1, "00:00:00 "},
+        {3661, 1, "01:01:01 "},
+        {86399, 1, "23:59:59 "},
+        {90061, 1, "1 day 01:01:01 "},
+        {200000, 1, "2 days 07:33:20 "},
+        {4294967295u, -1, "49710 days 06:28:15 "},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::Message() << c.seconds << " compact " << c.compact);
+        EXPECT_STREQ(vesk_transfer_time_format(c.seconds, c.compact), c.text);
+    }
+    EXPECT_EQ(vesk_transfer_time_format(1, 0), vesk_transfer_time_format(2, 1));
+}
+
+TEST(Calendar, LongestDurationTextFitsItsBuffer)
+{
+    // 49709 days 23 hours 59 mins 59 secs: every field at its widest.
+    const char *text = vesk_transfer_time_format(49709u * 86400 + 86399, 0);
+    EXPECT_STREQ(text, "49709 days 23 hours 59 mins 59 secs");
+    EXPECT_EQ(strlen(text), 35u);
+}
+
+TEST(Calendar, DebugLineOfABrokenDownTime)
+{
+    struct tm t = {};
+    t.tm_hour = 9;
+    t.tm_min = 5;
+    t.tm_sec = 7;
+    t.tm_year = 115;
+    t.tm_mon = 4; // printed as it stands, not as a calendar month
+    t.tm_mday = 28;
+    const struct {
+        const char *prefix;
+        const struct tm *t;
+        const char *line;
+    } cases[] = {
+        {"boot", &t, "boot: 9:5:7 date:2015/4-28 \n"},
+        {nullptr, &t, "9:5:7 date:2015/4-28 \n"},
+        {"", &t, ": 9:5:7 date:2015/4-28 \n"},
+        {"x", nullptr, ""},
+    };
+    for (const auto &c : cases) {
+        CaptureStderr();
+        vesk_print_tm(c.prefix, c.t);
+        EXPECT_EQ(GetCapturedStderr(), c.line);
+    }
+}
+
 } // namespace

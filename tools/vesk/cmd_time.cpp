@@ -47,6 +47,49 @@ int day_number(int, char **argv)
     return printf("%d\n", date_to_non_zero_julian_day(month, day)) < 0;
 }
 
+int leap(int, char **argv)
+{
+    int year;
+    if (!cli::parse_int(argv[0], &year)) {
+        fprintf(stderr, "vesk time leap: %s is not a year\n", argv[0]);
+        return 2;
+    }
+    return printf("%d\n", vesk_is_leap_year(year)) < 0;
+}
+
+// YEAR/MONTH/DAY, each field 0 to 65535.
+bool parse_date(const char *text, vesk_date *d)
+{
+    unsigned int y, m, day;
+    char end;
+    if (sscanf(text, "%u/%u/%u%c", &y, &m, &day, &end) != 3 || y > 0xFFFF || m > 0xFFFF || day > 0xFFFF)
+        return false;
+    *d = vesk_date{static_cast<uint16_t>(y), static_cast<uint16_t>(m), static_cast<uint16_t>(day), 0, 0, 0};
+    return true;
+}
+
+int advance(int, char **argv)
+{
+    vesk_date base, step, result = {};
+    if (!parse_date(argv[0], &base) || !parse_date(argv[1], &step)) {
+        fprintf(stderr, "vesk time advance: dates are YEAR/MONTH/DAY\n");
+        return 2;
+    }
+    vesk_date_advance(base, &result, step);
+    return printf("%u/%u/%u\n", result.year, result.month, result.day) < 0;
+}
+
+int duration(int argc, char **argv)
+{
+    unsigned int seconds;
+    if (!cli::parse_uint(argv[0], &seconds)) {
+        fprintf(stderr, "vesk time duration: %s is not a number of seconds\n", argv[0]);
+        return 2;
+    }
+    const int compact = argc > 1 && argv[1][0] == 'c';
+    return printf("[%s]\n", vesk_transfer_time_format(seconds, compact)) < 0;
+}
+
 constexpr cli::command kCommands[] = {
     {"uptime", "", "whole seconds since the device started", 0, uptime},
     {"monotonic", "", "monotonic clock, seconds.microseconds", 0, monotonic},
@@ -54,6 +97,9 @@ constexpr cli::command kCommands[] = {
     {"item", "LETTER", "one item of the local time: y m d h i s f", 1, item},
     {"format", "SECONDS FORMAT", "local text of a time in seconds since 1970 (strftime FORMAT)", 2, format},
     {"day-number", "MONTH DAY", "zero-based day of a leap year", 2, day_number},
+    {"leap", "YEAR", "1 for a leap year", 1, leap},
+    {"advance", "Y/M/D Y/M/D", "a date stepped by days, then months, then years", 2, advance},
+    {"duration", "SECONDS [compact]", "a length of time in words, in brackets", 1, duration},
 };
 
 } // namespace
