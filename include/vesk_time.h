@@ -56,6 +56,24 @@ VESK_API char *vesk_time_get_local_time_by_item(char item);
  * Returns -1 for a month outside 1 to 12. */
 VESK_API int date_to_non_zero_julian_day(int month, int day);
 
+/* ---- Time zones -------------------------------------------------------- */
+
+/* Writes the POSIX zone text of zone number index (0 to 75) to /etc/TZ,
+ * with the daylight-saving dates of the store's "timedaylight" record when
+ * that is enabled: "UTC+12UTC+11,60/00:00:00,304/23:59:59" for zone 0 and
+ * March 1 to October 31, "UTC+12" without daylight saving. The record's
+ * dates must be valid (months 1 to 12, days 1 to 31) even when it is off.
+ * Returns 1 when /etc/TZ was rewritten (whatever the shell made of it), 0
+ * after a diagnostic for an index of 76 or above or a date out of range,
+ * /etc/TZ then left untouched. */
+VESK_API int vesk_set_time_zone(unsigned int index);
+
+/* Sets the clock with "date MMDDhhmmYYYY" (and " -u" when utc is non-zero,
+ * else a trailing blank) from t, whose tm_mon holds the calendar month 1 to
+ * 12 and tm_year the full year; tm_sec is not used. The command's result is
+ * not looked at. Returns 1; 0 after a diagnostic when t is null. */
+VESK_API int vesk_set_date_time(const struct tm *t, int utc);
+
 /* ---- Calendar ---------------------------------------------------------- */
 
 /* A date, passed by value. As a step it counts how many years, months and

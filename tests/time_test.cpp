@@ -5,8 +5,12 @@
 #include <string.h>
 #include <time.h>
 
+#include <array>
 #include <string>
+#include <vector>
 
+#include "fake_sleep.hpp"
+#include "quil.h"
 #include "vdev.hpp"
 #include "vesk_time.h"
 
@@ -234,6 +238,225 @@ TEST(Clock, DayNumbersCountALeapYearFromZero)
         ASSERT_EQ(date_to_non_zero_julian_day(tm.tm_mon + 1, tm.tm_mday), tm.tm_yday) << tm.tm_mon + 1 << "/"
                                                                                       << tm.tm_mday;
     }
+}
+
+// ---- Time zones --------------------------------------------------------------
+
+// The store's "timedaylight" record, 16-bit fields in little-endian order.
+std::array<uint8_t, 9> daylight(int enable, int start_month, int start_day, int end_month, int end_day)
+{
+    std::array<uint8_t, 9> rec = {static_cast<uint8_t>(enable)};
+    const int fields[] = {start_month, start_day, end_month, end_day};
+    for (int i = 0; i < 4; i++) {
+        rec[1 + 2 * i] = static_cast<uint8_t>(fields[i] & 0xFF);
+        rec[2 + 2 * i] = static_cast<uint8_t>(fields[i] >> 8 & 0xFF);
+    }
+    return rec;
+}
+
+void store_daylight(const std::array<uint8_t, 9> &rec) { ASSERT_EQ(quil_set_value(rec.data(), "timedaylight"), 0); }
+
+constexpr const char *kRangeMessage = "Error: vesk_set_time_zone date is not in range \n";
+
+TEST(TimeZone, WritesTheZoneTextOrRefuses)
+{
+    const struct {
+        const char *name;
+        unsigned int index;
+        std::array<uint8_t, 9> rec; // enable 0xEE: leave the record unset
+        int result;
+        const char *tz; // nullptr: /etc/TZ untouched
+        std::string message;
+    } cases[] = {
+        {"March to October", 0, daylight(1, 3, 1, 10, 31), 1, "UTC+12UTC+11,60/00:00:00,304/23:59:59\n", ""},
+        {"daylight saving off", 0, daylight(0, 3, 1, 10, 31), 1, "UTC+12\n", ""},
+        {"any non-zero enables", 26, daylight(0x80, 1, 1, 12, 31), 1, "UTC+0UTC-1,0/00:00:00,365/23:59:59\n", ""},
+        {"half hours", 18, daylight(1, 4, 1, 9, 30), 1, "UTC+3:30UTC+2:30,91/00:00:00,273/23:59:59\n", ""},
+        {"February 31 is March 2", 50, daylight(1, 2, 31, 2, 1), 1, "UTC-5:45UTC-6:45,61/00:00:00,31/23:59:59\n",
+         ""},
+        {"last zone", 75, daylight(0, 1, 1, 1, 1), 1, "UTC-13\n", ""},
+        {"unset record", 0, daylight(0xEE, 0, 0, 0, 0), 0, nullptr, kRangeMessage},
+        {"all-zero record, off", 0, daylight(0, 0, 0, 0, 0), 0, nullptr, kRangeMessage},
+        {"end month 13", 0, daylight(1, 3, 1, 13, 1), 0, nullptr, kRangeMessage},
+        {"start day 32", 0, daylight(1, 3, 32, 10, 1), 0, nullptr, kRangeMessage},
+        {"end day 0", 0, daylight(1, 3, 1, 10, 0), 0, nullptr, kRangeMessage},
+        {"negative month", 0, daylight(1, -1, 1, 10, 1), 0, nullptr, kRangeMessage},
+        {"month in the high byte", 0, daylight(1, 0x0103, 1, 10, 1), 0, nullptr, kRangeMessage},
+        {"closing row", 76, daylight(1, 3, 1, 10, 31), 0, nullptr,
+         "Error: vesk_set_time_zone time zone index (76) not in range \n"},
+        {"negative index", static_cast<unsigned int>(-1), daylight(1, 3, 1, 10, 31), 0, nullptr,
+         "Error: vesk_set_time_zone time zone index (-1) not in range \n"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        vdev::put("/etc/TZ", "OLD0\n");
+        vdev::remove("/storage/quil.dat");
+        if (c.rec[0] != 0xEE)
+            store_daylight(c.rec);
+        CaptureStderr();
+        EXPECT_EQ(vesk_set_time_zone(c.index), c.result);
+        EXPECT_EQ(GetCapturedStderr(), c.message);
+        EXPECT_EQ(vdev::read("/etc/TZ"), c.tz ? c.tz : "OLD0\n");
+    }
+}
+
+TEST(TimeZone, ReturnsOneWhateverTheShellMadeOfIt)
+{
+    store_daylight(daylight(0, 1, 1, 1, 1));
+    // A directory in the file's place goes with rm -rf.
+    ASSERT_EQ(vdev::sh("rm -f /etc/TZ && mkdir -p /etc/TZ/x"), 0);
+    EXPECT_EQ(vesk_set_time_zone(3), 1);
+    EXPECT_EQ(vdev::read("/etc/TZ"), "UTC+9\n");
+    // A read-only file can be neither removed nor written.
+    ASSERT_EQ(vdev::sh("mount --bind /etc/TZ /etc/TZ && mount -o remount,ro,bind /etc/TZ"), 0);
+    EXPECT_EQ(vesk_set_time_zone(4), 1);
+    EXPECT_EQ(vdev::read("/etc/TZ"), "UTC+9\n");
+    EXPECT_EQ(vdev::sh("umount /etc/TZ"), 0);
+}
+
+// The offset east of UTC that the C library gives the zone text at t.
+struct local_state {
+    long gmtoff;
+    int isdst;
+};
+local_state state_at(time_t t)
+{
+    struct tm tm;
+    localtime_r(&t, &tm);
+    return {tm.tm_gmtoff, tm.tm_isdst};
+}
+
+time_t utc(int y, int mo, int d, int h, int mi, int s)
+{
+    struct tm tm = {};
+    tm.tm_year = y - 1900;
+    tm.tm_mon = mo - 1;
+    tm.tm_mday = d;
+    tm.tm_hour = h;
+    tm.tm_min = mi;
+    tm.tm_sec = s;
+    return timegm(&tm);
+}
+
+TEST(TimeZone, CLibrarySwitchesOnTheStoredDaysOfALeapYear)
+{
+    const struct {
+        const char *name;
+        unsigned int index;
+        long std_east; // seconds east of UTC in standard time
+        int start_month, start_day, end_month, end_day;
+        int year;
+    } cases[] = {
+        {"UTC, March to October", 25, 0, 3, 1, 10, 31, 2024},
+        {"twelve hours west", 0, -12 * 3600, 4, 15, 9, 15, 2024},
+        {"five three quarters east", 50, 20700, 1, 2, 6, 30, 2016},
+        {"three and a half west, leap day", 18, -12600, 2, 29, 11, 30, 2024},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        store_daylight(daylight(1, c.start_month, c.start_day, c.end_month, c.end_day));
+        ASSERT_EQ(vesk_set_time_zone(c.index), 1);
+        std::string text = vdev::read("/etc/TZ");
+        ASSERT_FALSE(text.empty());
+        text.pop_back(); // the newline of echo
+        scoped_tz tz(text.c_str());
+
+        // Begins at the first second of the start day, standard time.
+        const time_t on = utc(c.year, c.start_month, c.start_day, 0, 0, 0) - c.std_east;
+        EXPECT_EQ(state_at(on - 1).isdst, 0) << text;
+        EXPECT_EQ(state_at(on - 1).gmtoff, c.std_east);
+        EXPECT_EQ(state_at(on).isdst, 1) << text;
+        EXPECT_EQ(state_at(on).gmtoff, c.std_east + 3600);
+        // Ends at the last second of the end day, daylight-saving time.
+        const time_t off = utc(c.year, c.end_month, c.end_day, 23, 59, 59) - (c.std_east + 3600);
+        EXPECT_EQ(state_at(off - 1).isdst, 1) << text;
+        EXPECT_EQ(state_at(off).isdst, 0) << text;
+        EXPECT_EQ(state_at(off + 86400).gmtoff, c.std_east);
+    }
+}
+
+TEST(TimeZone, CommonYearsSwitchADayLaterAfterFebruary)
+{
+    store_daylight(daylight(1, 3, 1, 10, 31));
+    ASSERT_EQ(vesk_set_time_zone(25), 1);
+    std::string text = vdev::read("/etc/TZ");
+    text.pop_back();
+    scoped_tz tz(text.c_str());
+    EXPECT_EQ(state_at(utc(2023, 3, 1, 12, 0, 0)).isdst, 0);
+    EXPECT_EQ(state_at(utc(2023, 3, 2, 0, 0, 0)).isdst, 1);
+    EXPECT_EQ(state_at(utc(2023, 11, 1, 12, 0, 0)).isdst, 1);
+    EXPECT_EQ(state_at(utc(2023, 11, 2, 0, 0, 0)).isdst, 0);
+}
+
+TEST(TimeZone, SouthernSummerSpansTheNewYear)
+{
+    store_daylight(daylight(1, 10, 1, 3, 31));
+    ASSERT_EQ(vesk_set_time_zone(62), 1); // nine hours east
+    std::string text = vdev::read("/etc/TZ");
+    text.pop_back();
+    scoped_tz tz(text.c_str());
+    EXPECT_EQ(state_at(utc(2024, 1, 15, 0, 0, 0)).gmtoff, 10 * 3600);
+    EXPECT_EQ(state_at(utc(2024, 6, 15, 0, 0, 0)).gmtoff, 9 * 3600);
+    EXPECT_EQ(state_at(utc(2024, 12, 15, 0, 0, 0)).gmtoff, 10 * 3600);
+}
+
+TEST(TimeZone, EveryZoneSavesOneHourEastAndZonesRunWestToEast)
+{
+    store_daylight(daylight(1, 6, 1, 6, 30));
+    const time_t winter = utc(2024, 1, 15, 12, 0, 0), summer = utc(2024, 6, 15, 12, 0, 0);
+    long previous = -12 * 3600;
+    for (unsigned int i = 0; i < 76; i++) {
+        SCOPED_TRACE(i);
+        ASSERT_EQ(vesk_set_time_zone(i), 1);
+        std::string text = vdev::read("/etc/TZ");
+        ASSERT_FALSE(text.empty());
+        text.pop_back();
+        scoped_tz tz(text.c_str());
+        const local_state std_state = state_at(winter), dst_state = state_at(summer);
+        EXPECT_EQ(std_state.isdst, 0) << text;
+        EXPECT_EQ(dst_state.isdst, 1) << text;
+        EXPECT_EQ(dst_state.gmtoff - std_state.gmtoff, 3600) << text;
+        EXPECT_GE(std_state.gmtoff, previous) << text;
+        EXPECT_EQ(std_state.gmtoff % 900, 0) << text;
+        previous = std_state.gmtoff;
+    }
+    EXPECT_EQ(previous, 13 * 3600);
+}
+
+TEST(TimeZone, DateToolGetsMonthDayHourMinuteYear)
+{
+    struct tm t = {};
+    t.tm_mon = 5; // the calendar month here
+    t.tm_mday = 28;
+    t.tm_hour = 12;
+    t.tm_min = 30;
+    t.tm_sec = 45; // not used
+    t.tm_year = 2015;
+    const time_t before = time(nullptr);
+    fake_sleep::reset();
+    EXPECT_EQ(vesk_set_date_time(&t, 0), 1);
+    EXPECT_EQ(fake_sleep::slept_us, 200u);
+    EXPECT_EQ(vesk_set_date_time(&t, 7), 1);
+    t.tm_mon = 1;
+    t.tm_mday = 2;
+    t.tm_hour = 3;
+    t.tm_min = 4;
+    t.tm_year = 999;
+    EXPECT_EQ(vesk_set_date_time(&t, 1), 1);
+    EXPECT_EQ(vdev::journal(),
+              (std::vector<std::string>{"date 052812302015", "date 052812302015 -u", "date 010203040999 -u"}));
+    EXPECT_GE(time(nullptr), before) << "the clock is never set";
+
+    CaptureStderr();
+    EXPECT_EQ(vesk_set_date_time(nullptr, 0), 0);
+    EXPECT_EQ(GetCapturedStderr(), "Error: vesk_set_date_time, input is NULL!\n");
+}
+
+TEST(TimeZone, DateStandInAnswersQueries)
+{
+    EXPECT_EQ(vdev::sh("test \"$(date -u -d @86400 +%F)\" = 1970-01-02"), 0);
+    EXPECT_EQ(vdev::sh("date 052812302015.30 && date -s '2015-05-28 12:30'"), 0);
+    EXPECT_EQ(vdev::sh("test \"$(date +%Y)\" -ge 2024"), 0);
 }
 
 // ---- Calendar ----------------------------------------------------------------

@@ -47,6 +47,32 @@ int day_number(int, char **argv)
     return printf("%d\n", date_to_non_zero_julian_day(month, day)) < 0;
 }
 
+int set_zone(int, char **argv)
+{
+    unsigned int index;
+    if (!cli::parse_uint(argv[0], &index)) {
+        fprintf(stderr, "vesk time set-zone: %s is not a zone number\n", argv[0]);
+        return 2;
+    }
+    const int ok = vesk_set_time_zone(index);
+    printf("%d\n", ok);
+    return ok ? 0 : 1;
+}
+
+int set_date(int argc, char **argv)
+{
+    struct tm t = {};
+    char end;
+    // The date tool's fields as they go on its command line: calendar month
+    // and full year.
+    if (sscanf(argv[0], "%d-%d-%d%c", &t.tm_year, &t.tm_mon, &t.tm_mday, &end) != 3 ||
+        sscanf(argv[1], "%d:%d%c", &t.tm_hour, &t.tm_min, &end) != 2) {
+        fprintf(stderr, "vesk time set-date: give YYYY-MM-DD hh:mm [utc]\n");
+        return 2;
+    }
+    return printf("%d\n", vesk_set_date_time(&t, argc > 2 && argv[2][0] == 'u')) < 0;
+}
+
 int leap(int, char **argv)
 {
     int year;
@@ -97,6 +123,8 @@ constexpr cli::command kCommands[] = {
     {"item", "LETTER", "one item of the local time: y m d h i s f", 1, item},
     {"format", "SECONDS FORMAT", "local text of a time in seconds since 1970 (strftime FORMAT)", 2, format},
     {"day-number", "MONTH DAY", "zero-based day of a leap year", 2, day_number},
+    {"set-zone", "NUMBER", "write zone 0..75 with the stored daylight saving to /etc/TZ", 1, set_zone},
+    {"set-date", "YYYY-MM-DD hh:mm [utc]", "set the clock through the date tool", 2, set_date},
     {"leap", "YEAR", "1 for a leap year", 1, leap},
     {"advance", "Y/M/D Y/M/D", "a date stepped by days, then months, then years", 2, advance},
     {"duration", "SECONDS [compact]", "a length of time in words, in brackets", 1, duration},
