@@ -234,6 +234,7 @@ TEST(TimeZone, WritesTheZoneTextOrRefuses)
 TEST(TimeZone, ReturnsOneWhateverTheShellMadeOfIt)
 {
     store_daylight(0, 1, 1, 1, 1);
+    vdev::put("/etc/TZ", "UTC0\n");
     ASSERT_EQ(vdev::sh("mount --bind /etc/TZ /etc/TZ && mount -o remount,ro,bind /etc/TZ"), 0);
     EXPECT_EQ(vesk_set_time_zone(4), 1);
     EXPECT_EQ(zone_text(), "UTC0");
