@@ -17,7 +17,8 @@ VESK_API char *vesk_arp_get_ifname_by_ip(const char *ip);
 /* The MAC address of ip as 12 digits without colons, in the case of the
  * table, in a static 32-byte buffer; the literal "000000000000" when it is
  * not in the table, null when ip is null. A non-zero do_ping first runs
- * "ping <ip> -c 1" so that the kernel learns the address. */
+ * "ping <ip> -c 1" so that the kernel learns the address; only a dotted
+ * IPv4 address is handed to the shell. */
 VESK_API const char *vesk_arp_get_macstr_by_ip(const char *ip, int do_ping);
 
 /* The IP address of macstr (12 hexadecimal digits, no colons, either case)

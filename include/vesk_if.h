@@ -1,6 +1,7 @@
 /* Network interfaces as the kernel knows them, asked by name. Each call opens
  * its own socket and closes it again; nothing is cached. Names longer than
- * 15 characters name no interface and fail like an absent one. */
+ * 15 characters name no interface: the queries fail as for an absent one,
+ * and vesk_if_set_lan_state reports them. */
 #ifndef VESK_IF_H
 #define VESK_IF_H
 
@@ -55,7 +56,9 @@ VESK_API int vesk_if_set_lan_state(const char *ifname, int state);
 
 /* Sets the kernel's host name ("localhost.localdomain" for a null or empty
  * hostname) and writes hostname to /etc/hostname (an empty line for null or
- * empty). Returns what the file-writing command returned: 0 on success. */
+ * empty). Returns what the file-writing command returned: 0 on success. A
+ * name with characters other than letters, digits, '-', '_' and '.' goes to
+ * the kernel only, never to the shell: -1 with a message. */
 VESK_API int vesk_net_set_hostname(const char *hostname);
 
 /* Resolves node for family (AF_INET, AF_INET6 or AF_UNSPEC) and returns the

@@ -74,7 +74,9 @@ TEST(ArpTable, KernelNeighbours)
     EXPECT_EQ(vesk_arp_get_ip_by_macstr(nullptr), nullptr);
     EXPECT_TRUE(vdev::journal().empty()); // no ping without do_ping
     EXPECT_STREQ(vesk_arp_get_macstr_by_ip("192.0.2.20", 1), "020000000014");
+    EXPECT_STREQ(vesk_arp_get_macstr_by_ip("192.0.2.20;touch /tmp/owned", 1), "000000000000");
     EXPECT_EQ(vdev::journal(), std::vector<std::string>{"ping 192.0.2.20 -c 1"});
+    EXPECT_FALSE(vdev::exists("/tmp/owned"));
 }
 
 TEST(ArpTable, IpOfAMacInEitherCase)

@@ -150,7 +150,8 @@ const char *vesk_arp_get_macstr_by_ip(const char *ip, int do_ping)
 {
     if (!ip)
         return nullptr;
-    if (do_ping)
+    in_addr addr;
+    if (do_ping && inet_pton(AF_INET, ip, &addr) == 1) // nothing else reaches the shell
         CMD("ping %s -c 1 2>&1 >/dev/null", ip);
     bool found = each_arp_row([&](const arp_row &row) {
         if (strcmp(row.ip, ip) != 0)

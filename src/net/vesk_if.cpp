@@ -3,6 +3,7 @@
 #include "vesk_if.h"
 
 #include <arpa/inet.h>
+#include <ctype.h>
 #include <errno.h>
 #include <linux/if_ether.h>
 #include <netdb.h>
@@ -203,6 +204,13 @@ int vesk_net_set_hostname(const char *hostname)
         sethostname(kFallback, sizeof kFallback - 1);
     else
         sethostname(hostname, strlen(hostname));
+    // The name goes to the shell unquoted: only host-name characters may.
+    for (const char *c = hostname; c && *c; c++) {
+        if (!isalnum(static_cast<unsigned char>(*c)) && !strchr("-_.", *c)) {
+            T_PRINTF("%s: invalid hostname!\n", __func__);
+            return -1;
+        }
+    }
     // The fallback is the kernel's only: the file gets an empty line.
     return CMD("echo %s > /etc/hostname", hostname ? hostname : "");
 }
