@@ -121,6 +121,8 @@ static_assert(offsetof(arp_frame, sender_ip) == 28);
 static_assert(offsetof(arp_frame, target_mac) == 32);
 static_assert(offsetof(arp_frame, target_ip) == 38);
 static_assert(offsetof(arp_frame, fill) == 42);
+// The send address: a bare sockaddr whose 14 data bytes carry the name.
+static_assert(sizeof(sockaddr) == 16 && sizeof(sockaddr::sa_data) == 14);
 
 } // namespace
 
