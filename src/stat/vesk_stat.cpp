@@ -37,21 +37,29 @@ constexpr meminfo_field kMeminfoFields[] = {
     {"Cached:", &vesk_stat_mem::cached},
 };
 
+// Opens the table that fills a caller's record; a null record or a file that
+// cannot be opened prints its message for func and gives no file.
+vesk::unique_file open_for(const void *record, const char *path, const char *func)
+{
+    if (!record) {
+        T_PRINTF(kInputError, func);
+        return {};
+    }
+    vesk::unique_file f = vesk::open_file(path, "r");
+    if (!f)
+        T_PRINTF(kOpenError, func);
+    return f;
+}
+
 } // namespace
 
 extern "C" {
 
 int vesk_stat_meminfo(vesk_stat_mem *mem)
 {
-    if (!mem) {
-        T_PRINTF(kInputError, __func__);
+    vesk::unique_file f = open_for(mem, "/proc/meminfo", __func__);
+    if (!f)
         return 0;
-    }
-    vesk::unique_file f = vesk::open_file("/proc/meminfo", "r");
-    if (!f) {
-        T_PRINTF(kOpenError, __func__);
-        return 0;
-    }
     mem->total = 0;
     // The device's kernel prints these four lines first and in this order;
     // newer kernels put MemAvailable between them, so each line is looked
@@ -76,15 +84,9 @@ int vesk_stat_meminfo(vesk_stat_mem *mem)
 
 int vesk_stat_cpuloading(vesk_stat_cpu *cpu)
 {
-    if (!cpu) {
-        T_PRINTF(kInputError, __func__);
+    vesk::unique_file f = open_for(cpu, "/proc/stat", __func__);
+    if (!f)
         return 0;
-    }
-    vesk::unique_file f = vesk::open_file("/proc/stat", "r");
-    if (!f) {
-        T_PRINTF(kOpenError, __func__);
-        return 0;
-    }
     // Numbers beyond the 79th character of the line are not read.
     char line[80] = "";
     if (!fgets(line, sizeof line, f.get()))
