@@ -19,30 +19,10 @@ namespace {
 using testing::internal::CaptureStderr;
 using testing::internal::GetCapturedStderr;
 
-// Puts the test process in a zone of its own choosing for one scope.
-class scoped_tz {
-public:
-    explicit scoped_tz(const char *tz)
-    {
-        const char *old = getenv("TZ");
-        had_ = old != nullptr;
-        if (had_)
-            old_ = old;
-        setenv("TZ", tz, 1);
-        tzset();
-    }
-    ~scoped_tz()
-    {
-        if (had_)
-            setenv("TZ", old_.c_str(), 1);
-        else
-            unsetenv("TZ");
-        tzset();
-    }
-
-private:
-    bool had_ = false;
-    std::string old_;
+// The test process takes a zone for one scope (the device starts with none).
+struct scoped_tz {
+    explicit scoped_tz(const std::string &tz) { setenv("TZ", tz.c_str(), 1), tzset(); }
+    ~scoped_tz() { unsetenv("TZ"), tzset(); }
 };
 
 std::string local_text(time_t t, const char *fmt)
@@ -54,8 +34,8 @@ std::string local_text(time_t t, const char *fmt)
     return buf;
 }
 
-// Calls fn until the wall clock stays in one second around it, so that its
-// text can be compared with the C library's for that second.
+// fn's text and the second it ran in, retried until no second boundary
+// fell inside the call.
 template <typename F> std::pair<std::string, time_t> within_one_second(F fn)
 {
     for (int attempt = 0; attempt < 5; attempt++) {
@@ -68,6 +48,13 @@ template <typename F> std::pair<std::string, time_t> within_one_second(F fn)
     return {"", 0};
 }
 
+time_t utc(int y, int mo, int d, int h = 0, int mi = 0, int s = 0)
+{
+    struct tm tm = {};
+    tm.tm_year = y - 1900, tm.tm_mon = mo - 1, tm.tm_mday = d, tm.tm_hour = h, tm.tm_min = mi, tm.tm_sec = s;
+    return timegm(&tm);
+}
+
 // ---- Clock -------------------------------------------------------------------
 
 TEST(Clock, UptimeSecondsComeFromTheFirstNumber)
@@ -76,25 +63,15 @@ TEST(Clock, UptimeSecondsComeFromTheFirstNumber)
         const char *content; // nullptr: no such file
         unsigned int seconds;
     } cases[] = {
-        {"12345.67 54321.00\n", 12345},
-        {"12345.98 1.00\n", 12345}, // dropped, not rounded
-        {"0.00 0.00\n", 0},
-        {"7\n", 7},
-        {"4294967295.99 0.00\n", 4294967295u},
-        {"", 0},
-        {"uptime\n", 0},
-        {"-5.00 1.00\n", 0},
-        {nullptr, 0},
+        {"12345.67 54321.00\n", 12345}, {"12345.98 1.00\n", 12345}, {"7\n", 7}, {"4294967295.99 0\n", 4294967295u},
+        {"", 0}, {"uptime\n", 0}, {"-5.00 1.00\n", 0}, {nullptr, 0},
     };
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.content ? c.content : "(missing)");
         if (c.content)
             vdev::put("/proc/uptime", c.content);
         else
             vdev::remove("/proc/uptime");
-        CaptureStderr();
-        EXPECT_EQ(vesk_get_x_time(), c.seconds);
-        EXPECT_EQ(GetCapturedStderr(), "");
+        EXPECT_EQ(vesk_get_x_time(), c.seconds) << (c.content ? c.content : "(missing)");
     }
 }
 
@@ -108,8 +85,6 @@ TEST(Clock, MonotonicTimeLiesBetweenTwoReadingsOfTheClock)
     const long long us = tv.tv_sec * 1000000LL + tv.tv_usec;
     EXPECT_GE(us, a.tv_sec * 1000000LL + a.tv_nsec / 1000);
     EXPECT_LE(us, b.tv_sec * 1000000LL + b.tv_nsec / 1000);
-    EXPECT_GE(tv.tv_usec, 0);
-    EXPECT_LT(tv.tv_usec, 1000000);
     EXPECT_EQ(vesk_get_time_of_day(nullptr), 0);
 }
 
@@ -120,13 +95,9 @@ TEST(Clock, SubtractionBorrowsOneSecondAtMost)
     } cases[] = {
         {{5, 100}, {2, 200}, {2, 999900}},
         {{5, 300}, {2, 200}, {3, 100}},
-        {{5, 0}, {5, 0}, {0, 0}},
         {{2, 0}, {5, 1}, {-4, 999999}}, // earlier than sub: negative seconds
-        {{0, 0}, {0, 999999}, {-1, 1}},
     };
     for (const auto &c : cases) {
-        SCOPED_TRACE(testing::Message() << c.val.tv_sec << "." << c.val.tv_usec << " - " << c.sub.tv_sec << "."
-                                        << c.sub.tv_usec);
         struct timeval val = c.val;
         EXPECT_EQ(vesk_time_tv_sub(&c.sub, &val), &val);
         EXPECT_EQ(val.tv_sec, c.diff.tv_sec);
@@ -134,15 +105,14 @@ TEST(Clock, SubtractionBorrowsOneSecondAtMost)
     }
     struct timeval val = {1, 1};
     EXPECT_EQ(vesk_time_tv_sub(nullptr, &val), &val);
-    EXPECT_EQ(val.tv_sec, 1);
     EXPECT_EQ(vesk_time_tv_sub(&val, nullptr), nullptr);
 }
 
 TEST(Clock, TimeTextFitsItsBufferOrIsEmpty)
 {
-    scoped_tz tz("UTC0");
-    const time_t t = 1432816245; // 2015-05-28 12:30:45 UTC
-    char buf[40];
+    scoped_tz tz("UTC-8"); // eight hours east
+    const time_t t = 1432787445; // 2015-05-28 04:30:45 UTC
+    const char *full = "%Y/%m/%d %H:%M:%S";
     const struct {
         const char *name;
         time_t t;
@@ -151,274 +121,171 @@ TEST(Clock, TimeTextFitsItsBufferOrIsEmpty)
         size_t size;
         const char *text;
     } cases[] = {
-        {"full form in a caller's buffer", t, "%Y/%m/%d %H:%M:%S", true, 40, "2015/05/28 12:30:45"},
-        {"exact fit", t, "%Y/%m/%d %H:%M:%S", true, 20, "2015/05/28 12:30:45"},
-        {"one byte short", t, "%Y/%m/%d %H:%M:%S", true, 19, ""},
-        {"static buffer takes 18 characters", t, "%Y/%m/%d %H:%M:%S", false, 100, ""},
+        {"exact fit", t, full, true, 20, "2015/05/28 12:30:45"},
+        {"one byte short", t, full, true, 19, ""},
+        {"static buffer takes 18 characters", t, full, false, 100, ""},
         {"short form in the static buffer", t, "%Y/%m/%d %H:%M", false, 100, "2015/05/28 12:30"},
-        {"day of the log files", t, "%Y%m%d", false, 0, "20150528"},
         {"failed time()", -1, "%Y", true, 40, ""},
         {"no format", t, nullptr, true, 40, ""},
     };
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
+        char buf[40];
         memset(buf, 'x', sizeof buf);
         char *got = vesk_time_get_str(c.t, c.fmt, c.own_buffer ? buf : nullptr, c.size);
-        if (c.own_buffer) {
-            EXPECT_EQ(got, buf);
-        }
-        EXPECT_STREQ(got, c.text);
+        EXPECT_EQ(got == buf, c.own_buffer) << c.name;
+        EXPECT_STREQ(got, c.text) << c.name;
     }
     EXPECT_EQ(vesk_time_get_str(t, "%Y", nullptr, 0), vesk_time_get_str(t, "%m", nullptr, 0));
-
-    // No room at all: the caller's byte stays as it was.
-    buf[0] = 'x';
-    EXPECT_EQ(vesk_time_get_str(t, "%Y", buf, 0), buf);
-    EXPECT_EQ(buf[0], 'x');
-}
-
-TEST(Clock, TimeTextFollowsTheZone)
-{
-    const time_t t = 1432816245;
-    scoped_tz tz("UTC-8"); // eight hours east
-    char buf[40];
-    EXPECT_STREQ(vesk_time_get_str(t, "%Y/%m/%d %H:%M:%S", buf, sizeof buf), "2015/05/28 20:30:45");
-}
-
-TEST(Clock, LocalTimeIsTheCurrentWallClock)
-{
-    scoped_tz tz("UTC-5:45");
-    auto [text, t] = within_one_second([] { return std::string(vesk_time_get_local_time()); });
-    EXPECT_EQ(text, local_text(t, "%Y/%m/%d %H:%M:%S"));
-    EXPECT_EQ(vesk_time_get_local_time(), vesk_time_get_local_time());
+    char byte = 'x'; // no room at all: nothing is written
+    EXPECT_EQ(vesk_time_get_str(t, "%Y", &byte, 0), &byte);
+    EXPECT_EQ(byte, 'x');
 }
 
 TEST(Clock, LocalTimeItemsTakeLowerCaseLettersOnly)
 {
     scoped_tz tz("UTC+3:30");
-    const struct {
-        char item;
-        const char *fmt;
-    } good[] = {{'y', "%Y"}, {'m', "%m"}, {'d', "%d"}, {'h', "%H"}, {'i', "%M"}, {'s', "%S"},
-                {'f', "%Y/%m/%d %H:%M:%S"}};
-    for (const auto &g : good) {
-        SCOPED_TRACE(g.item);
-        CaptureStderr();
-        auto [text, t] = within_one_second([&] { return std::string(vesk_time_get_local_time_by_item(g.item)); });
-        EXPECT_EQ(GetCapturedStderr(), "");
-        EXPECT_EQ(text, local_text(t, g.fmt));
-    }
+    auto [now, t] = within_one_second([] { return std::string(vesk_time_get_local_time()); });
+    EXPECT_EQ(now, local_text(t, "%Y/%m/%d %H:%M:%S"));
 
+    const std::pair<char, const char *> good[] = {{'y', "%Y"}, {'m', "%m"}, {'d', "%d"}, {'h', "%H"},
+                                                  {'i', "%M"}, {'s', "%S"}, {'f', "%Y/%m/%d %H:%M:%S"}};
+    for (const auto &[item, fmt] : good) {
+        auto [text, when] = within_one_second([&] { return std::string(vesk_time_get_local_time_by_item(item)); });
+        EXPECT_EQ(text, local_text(when, fmt)) << item;
+    }
     const std::string last = vesk_time_get_local_time_by_item('y');
-    for (char bad : {'Y', 'e', 'j', 'F', '\0', static_cast<char>('y' | 0x80)}) {
-        SCOPED_TRACE(static_cast<int>(bad));
+    for (char bad : {'Y', 'e', 'j', '\0', static_cast<char>('y' | 0x80)}) {
         CaptureStderr();
         const char *text = vesk_time_get_local_time_by_item(bad);
         EXPECT_EQ(GetCapturedStderr(), "error format invesk_time_get_local_time_by_item\n");
-        EXPECT_EQ(text, last) << "keeps the last good text";
-        EXPECT_EQ(text, vesk_time_get_local_time_by_item('y'));
+        EXPECT_EQ(text, last) << "keeps the last good text for " << static_cast<int>(bad);
     }
 }
 
 TEST(Clock, DayNumbersCountALeapYearFromZero)
 {
-    const struct {
-        int month, day, number;
-    } cases[] = {
-        {1, 1, 0}, {1, 31, 30}, {2, 1, 31}, {2, 29, 59}, {3, 1, 60}, {4, 31, 121}, {5, 1, 121},
-        {12, 31, 365}, {0, 1, -1}, {13, 1, -1}, {-1, 1, -1},
-    };
-    for (const auto &c : cases)
-        EXPECT_EQ(date_to_non_zero_julian_day(c.month, c.day), c.number) << c.month << "/" << c.day;
-
-    // Every date of a leap year gets the C library's day of the year.
-    for (time_t t = 1704067200; t < 1735689600; t += 86400) { // 2024
+    EXPECT_EQ(date_to_non_zero_julian_day(4, 31), date_to_non_zero_julian_day(5, 1));
+    EXPECT_EQ(date_to_non_zero_julian_day(0, 1), -1);
+    EXPECT_EQ(date_to_non_zero_julian_day(13, 1), -1);
+    for (time_t t = utc(2024, 1, 1); t < utc(2025, 1, 1); t += 86400) {
         struct tm tm;
         gmtime_r(&t, &tm);
-        ASSERT_EQ(date_to_non_zero_julian_day(tm.tm_mon + 1, tm.tm_mday), tm.tm_yday) << tm.tm_mon + 1 << "/"
-                                                                                      << tm.tm_mday;
+        ASSERT_EQ(date_to_non_zero_julian_day(tm.tm_mon + 1, tm.tm_mday), tm.tm_yday) << tm.tm_yday;
     }
 }
 
 // ---- Time zones --------------------------------------------------------------
 
-// The store's "timedaylight" record, 16-bit fields in little-endian order.
-std::array<uint8_t, 9> daylight(int enable, int start_month, int start_day, int end_month, int end_day)
+// Stores the "timedaylight" record: enable, then four little-endian words.
+void store_daylight(int enable, int start_month, int start_day, int end_month, int end_day)
 {
-    std::array<uint8_t, 9> rec = {static_cast<uint8_t>(enable)};
+    uint8_t rec[9] = {static_cast<uint8_t>(enable)};
     const int fields[] = {start_month, start_day, end_month, end_day};
-    for (int i = 0; i < 4; i++) {
-        rec[1 + 2 * i] = static_cast<uint8_t>(fields[i] & 0xFF);
-        rec[2 + 2 * i] = static_cast<uint8_t>(fields[i] >> 8 & 0xFF);
-    }
-    return rec;
+    for (int i = 0; i < 4; i++)
+        rec[1 + 2 * i] = static_cast<uint8_t>(fields[i]), rec[2 + 2 * i] = static_cast<uint8_t>(fields[i] >> 8);
+    ASSERT_EQ(quil_set_value(rec, "timedaylight"), 0);
 }
 
-void store_daylight(const std::array<uint8_t, 9> &rec) { ASSERT_EQ(quil_set_value(rec.data(), "timedaylight"), 0); }
-
-constexpr const char *kRangeMessage = "Error: vesk_set_time_zone date is not in range \n";
+// The zone text that vesk_set_time_zone wrote, without echo's newline.
+std::string zone_text()
+{
+    std::string text = vdev::read("/etc/TZ");
+    EXPECT_EQ(text.empty() ? '?' : text.back(), '\n');
+    return text.substr(0, text.size() - 1);
+}
 
 TEST(TimeZone, WritesTheZoneTextOrRefuses)
 {
+    const std::string bad_date = "Error: vesk_set_time_zone date is not in range \n";
     const struct {
         const char *name;
         unsigned int index;
-        std::array<uint8_t, 9> rec; // enable 0xEE: leave the record unset
-        int result;
-        const char *tz; // nullptr: /etc/TZ untouched
+        std::array<int, 5> rec; // enable -1: leave the record unset
+        const char *tz;         // nullptr: refused, /etc/TZ untouched
         std::string message;
     } cases[] = {
-        {"March to October", 0, daylight(1, 3, 1, 10, 31), 1, "UTC+12UTC+11,60/00:00:00,304/23:59:59\n", ""},
-        {"daylight saving off", 0, daylight(0, 3, 1, 10, 31), 1, "UTC+12\n", ""},
-        {"any non-zero enables", 26, daylight(0x80, 1, 1, 12, 31), 1, "UTC+0UTC-1,0/00:00:00,365/23:59:59\n", ""},
-        {"half hours", 18, daylight(1, 4, 1, 9, 30), 1, "UTC+3:30UTC+2:30,91/00:00:00,273/23:59:59\n", ""},
-        {"February 31 is March 2", 50, daylight(1, 2, 31, 2, 1), 1, "UTC-5:45UTC-6:45,61/00:00:00,31/23:59:59\n",
-         ""},
-        {"last zone", 75, daylight(0, 1, 1, 1, 1), 1, "UTC-13\n", ""},
-        {"unset record", 0, daylight(0xEE, 0, 0, 0, 0), 0, nullptr, kRangeMessage},
-        {"all-zero record, off", 0, daylight(0, 0, 0, 0, 0), 0, nullptr, kRangeMessage},
-        {"end month 13", 0, daylight(1, 3, 1, 13, 1), 0, nullptr, kRangeMessage},
-        {"start day 32", 0, daylight(1, 3, 32, 10, 1), 0, nullptr, kRangeMessage},
-        {"end day 0", 0, daylight(1, 3, 1, 10, 0), 0, nullptr, kRangeMessage},
-        {"negative month", 0, daylight(1, -1, 1, 10, 1), 0, nullptr, kRangeMessage},
-        {"month in the high byte", 0, daylight(1, 0x0103, 1, 10, 1), 0, nullptr, kRangeMessage},
-        {"closing row", 76, daylight(1, 3, 1, 10, 31), 0, nullptr,
-         "Error: vesk_set_time_zone time zone index (76) not in range \n"},
-        {"negative index", static_cast<unsigned int>(-1), daylight(1, 3, 1, 10, 31), 0, nullptr,
+        {"March to October", 0, {1, 3, 1, 10, 31}, "UTC+12UTC+11,60/00:00:00,304/23:59:59", ""},
+        {"daylight saving off", 0, {0, 3, 1, 10, 31}, "UTC+12", ""},
+        {"any non-zero enables", 26, {0x80, 1, 1, 12, 31}, "UTC+0UTC-1,0/00:00:00,365/23:59:59", ""},
+        {"February 31 is March 2", 50, {1, 2, 31, 2, 1}, "UTC-5:45UTC-6:45,61/00:00:00,31/23:59:59", ""},
+        {"last zone", 75, {0, 1, 1, 1, 1}, "UTC-13", ""},
+        {"unset record", 0, {-1}, nullptr, bad_date},
+        {"all-zero record, off", 0, {0, 0, 0, 0, 0}, nullptr, bad_date},
+        {"end month 13", 0, {1, 3, 1, 13, 1}, nullptr, bad_date},
+        {"start day 32", 0, {1, 3, 32, 10, 1}, nullptr, bad_date},
+        {"month in the high byte", 0, {1, 0x0103, 1, 10, 1}, nullptr, bad_date},
+        {"closing row", 76, {1, 3, 1, 10, 31}, nullptr, "Error: vesk_set_time_zone time zone index (76) not in range \n"},
+        {"negative index", static_cast<unsigned int>(-1), {1, 3, 1, 10, 31}, nullptr,
          "Error: vesk_set_time_zone time zone index (-1) not in range \n"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
         vdev::put("/etc/TZ", "OLD0\n");
         vdev::remove("/storage/quil.dat");
-        if (c.rec[0] != 0xEE)
-            store_daylight(c.rec);
+        if (c.rec[0] >= 0)
+            store_daylight(c.rec[0], c.rec[1], c.rec[2], c.rec[3], c.rec[4]);
         CaptureStderr();
-        EXPECT_EQ(vesk_set_time_zone(c.index), c.result);
+        EXPECT_EQ(vesk_set_time_zone(c.index), c.tz ? 1 : 0);
         EXPECT_EQ(GetCapturedStderr(), c.message);
-        EXPECT_EQ(vdev::read("/etc/TZ"), c.tz ? c.tz : "OLD0\n");
+        EXPECT_EQ(zone_text(), c.tz ? c.tz : "OLD0");
     }
 }
 
 TEST(TimeZone, ReturnsOneWhateverTheShellMadeOfIt)
 {
-    store_daylight(daylight(0, 1, 1, 1, 1));
-    // A directory in the file's place goes with rm -rf.
-    ASSERT_EQ(vdev::sh("rm -f /etc/TZ && mkdir -p /etc/TZ/x"), 0);
-    EXPECT_EQ(vesk_set_time_zone(3), 1);
-    EXPECT_EQ(vdev::read("/etc/TZ"), "UTC+9\n");
-    // A read-only file can be neither removed nor written.
+    store_daylight(0, 1, 1, 1, 1);
+    vdev::put("/etc/TZ", "UTC0\n");
     ASSERT_EQ(vdev::sh("mount --bind /etc/TZ /etc/TZ && mount -o remount,ro,bind /etc/TZ"), 0);
     EXPECT_EQ(vesk_set_time_zone(4), 1);
-    EXPECT_EQ(vdev::read("/etc/TZ"), "UTC+9\n");
+    EXPECT_EQ(zone_text(), "UTC0");
     EXPECT_EQ(vdev::sh("umount /etc/TZ"), 0);
-}
-
-// The offset east of UTC that the C library gives the zone text at t.
-struct local_state {
-    long gmtoff;
-    int isdst;
-};
-local_state state_at(time_t t)
-{
-    struct tm tm;
-    localtime_r(&t, &tm);
-    return {tm.tm_gmtoff, tm.tm_isdst};
-}
-
-time_t utc(int y, int mo, int d, int h, int mi, int s)
-{
-    struct tm tm = {};
-    tm.tm_year = y - 1900;
-    tm.tm_mon = mo - 1;
-    tm.tm_mday = d;
-    tm.tm_hour = h;
-    tm.tm_min = mi;
-    tm.tm_sec = s;
-    return timegm(&tm);
 }
 
 TEST(TimeZone, CLibrarySwitchesOnTheStoredDaysOfALeapYear)
 {
     const struct {
-        const char *name;
         unsigned int index;
         long std_east; // seconds east of UTC in standard time
         int start_month, start_day, end_month, end_day;
-        int year;
     } cases[] = {
-        {"UTC, March to October", 25, 0, 3, 1, 10, 31, 2024},
-        {"twelve hours west", 0, -12 * 3600, 4, 15, 9, 15, 2024},
-        {"five three quarters east", 50, 20700, 1, 2, 6, 30, 2016},
-        {"three and a half west, leap day", 18, -12600, 2, 29, 11, 30, 2024},
+        {25, 0, 3, 1, 10, 31}, {0, -12 * 3600, 4, 15, 9, 15}, {50, 20700, 1, 2, 6, 30}, {18, -12600, 2, 29, 11, 30},
     };
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
-        store_daylight(daylight(1, c.start_month, c.start_day, c.end_month, c.end_day));
+        store_daylight(1, c.start_month, c.start_day, c.end_month, c.end_day);
         ASSERT_EQ(vesk_set_time_zone(c.index), 1);
-        std::string text = vdev::read("/etc/TZ");
-        ASSERT_FALSE(text.empty());
-        text.pop_back(); // the newline of echo
-        scoped_tz tz(text.c_str());
-
-        // Begins at the first second of the start day, standard time.
-        const time_t on = utc(c.year, c.start_month, c.start_day, 0, 0, 0) - c.std_east;
-        EXPECT_EQ(state_at(on - 1).isdst, 0) << text;
-        EXPECT_EQ(state_at(on - 1).gmtoff, c.std_east);
-        EXPECT_EQ(state_at(on).isdst, 1) << text;
-        EXPECT_EQ(state_at(on).gmtoff, c.std_east + 3600);
-        // Ends at the last second of the end day, daylight-saving time.
-        const time_t off = utc(c.year, c.end_month, c.end_day, 23, 59, 59) - (c.std_east + 3600);
-        EXPECT_EQ(state_at(off - 1).isdst, 1) << text;
-        EXPECT_EQ(state_at(off).isdst, 0) << text;
-        EXPECT_EQ(state_at(off + 86400).gmtoff, c.std_east);
+        const std::string text = zone_text();
+        scoped_tz tz(text);
+        auto state = [](time_t t) {
+            struct tm tm;
+            localtime_r(&t, &tm);
+            return std::pair<int, long>(tm.tm_isdst, tm.tm_gmtoff);
+        };
+        // On at the first second of the start day in standard time, off
+        // at the last second of the end day in daylight-saving time.
+        const time_t on = utc(2024, c.start_month, c.start_day) - c.std_east;
+        const time_t off = utc(2024, c.end_month, c.end_day, 23, 59, 59) - (c.std_east + 3600);
+        EXPECT_EQ(state(on - 1), std::make_pair(0, c.std_east)) << text;
+        EXPECT_EQ(state(on), std::make_pair(1, c.std_east + 3600)) << text;
+        EXPECT_EQ(state(off - 1), std::make_pair(1, c.std_east + 3600)) << text;
+        EXPECT_EQ(state(off), std::make_pair(0, c.std_east)) << text;
     }
-}
-
-TEST(TimeZone, CommonYearsSwitchADayLaterAfterFebruary)
-{
-    store_daylight(daylight(1, 3, 1, 10, 31));
-    ASSERT_EQ(vesk_set_time_zone(25), 1);
-    std::string text = vdev::read("/etc/TZ");
-    text.pop_back();
-    scoped_tz tz(text.c_str());
-    EXPECT_EQ(state_at(utc(2023, 3, 1, 12, 0, 0)).isdst, 0);
-    EXPECT_EQ(state_at(utc(2023, 3, 2, 0, 0, 0)).isdst, 1);
-    EXPECT_EQ(state_at(utc(2023, 11, 1, 12, 0, 0)).isdst, 1);
-    EXPECT_EQ(state_at(utc(2023, 11, 2, 0, 0, 0)).isdst, 0);
-}
-
-TEST(TimeZone, SouthernSummerSpansTheNewYear)
-{
-    store_daylight(daylight(1, 10, 1, 3, 31));
-    ASSERT_EQ(vesk_set_time_zone(62), 1); // nine hours east
-    std::string text = vdev::read("/etc/TZ");
-    text.pop_back();
-    scoped_tz tz(text.c_str());
-    EXPECT_EQ(state_at(utc(2024, 1, 15, 0, 0, 0)).gmtoff, 10 * 3600);
-    EXPECT_EQ(state_at(utc(2024, 6, 15, 0, 0, 0)).gmtoff, 9 * 3600);
-    EXPECT_EQ(state_at(utc(2024, 12, 15, 0, 0, 0)).gmtoff, 10 * 3600);
 }
 
 TEST(TimeZone, EveryZoneSavesOneHourEastAndZonesRunWestToEast)
 {
-    store_daylight(daylight(1, 6, 1, 6, 30));
-    const time_t winter = utc(2024, 1, 15, 12, 0, 0), summer = utc(2024, 6, 15, 12, 0, 0);
+    store_daylight(1, 6, 1, 6, 30);
     long previous = -12 * 3600;
     for (unsigned int i = 0; i < 76; i++) {
-        SCOPED_TRACE(i);
         ASSERT_EQ(vesk_set_time_zone(i), 1);
-        std::string text = vdev::read("/etc/TZ");
-        ASSERT_FALSE(text.empty());
-        text.pop_back();
-        scoped_tz tz(text.c_str());
-        const local_state std_state = state_at(winter), dst_state = state_at(summer);
-        EXPECT_EQ(std_state.isdst, 0) << text;
-        EXPECT_EQ(dst_state.isdst, 1) << text;
-        EXPECT_EQ(dst_state.gmtoff - std_state.gmtoff, 3600) << text;
-        EXPECT_GE(std_state.gmtoff, previous) << text;
-        EXPECT_EQ(std_state.gmtoff % 900, 0) << text;
-        previous = std_state.gmtoff;
+        const std::string text = zone_text();
+        scoped_tz tz(text);
+        struct tm winter, summer;
+        const time_t w = utc(2024, 1, 15), s = utc(2024, 6, 15);
+        localtime_r(&w, &winter);
+        localtime_r(&s, &summer);
+        EXPECT_EQ(summer.tm_gmtoff - winter.tm_gmtoff, 3600) << i << " " << text;
+        EXPECT_GE(winter.tm_gmtoff, previous) << i << " " << text;
+        previous = winter.tm_gmtoff;
     }
     EXPECT_EQ(previous, 13 * 3600);
 }
@@ -426,51 +293,31 @@ TEST(TimeZone, EveryZoneSavesOneHourEastAndZonesRunWestToEast)
 TEST(TimeZone, DateToolGetsMonthDayHourMinuteYear)
 {
     struct tm t = {};
-    t.tm_mon = 5; // the calendar month here
-    t.tm_mday = 28;
-    t.tm_hour = 12;
-    t.tm_min = 30;
-    t.tm_sec = 45; // not used
-    t.tm_year = 2015;
+    t.tm_mon = 5, t.tm_mday = 28, t.tm_hour = 12, t.tm_min = 30, t.tm_sec = 45, t.tm_year = 2015;
     const time_t before = time(nullptr);
     fake_sleep::reset();
     EXPECT_EQ(vesk_set_date_time(&t, 0), 1);
     EXPECT_EQ(fake_sleep::slept_us, 200u);
+    t.tm_mon = 1, t.tm_mday = 2, t.tm_hour = 3, t.tm_min = 4, t.tm_year = 999;
     EXPECT_EQ(vesk_set_date_time(&t, 7), 1);
-    t.tm_mon = 1;
-    t.tm_mday = 2;
-    t.tm_hour = 3;
-    t.tm_min = 4;
-    t.tm_year = 999;
-    EXPECT_EQ(vesk_set_date_time(&t, 1), 1);
-    EXPECT_EQ(vdev::journal(),
-              (std::vector<std::string>{"date 052812302015", "date 052812302015 -u", "date 010203040999 -u"}));
+    EXPECT_EQ(vdev::journal(), (std::vector<std::string>{"date 052812302015", "date 010203040999 -u"}));
     EXPECT_GE(time(nullptr), before) << "the clock is never set";
+    EXPECT_EQ(vdev::sh("test \"$(date -u -d @86400 +%F)\" = 1970-01-02"), 0) << "queries still answer";
 
     CaptureStderr();
     EXPECT_EQ(vesk_set_date_time(nullptr, 0), 0);
     EXPECT_EQ(GetCapturedStderr(), "Error: vesk_set_date_time, input is NULL!\n");
 }
 
-TEST(TimeZone, DateStandInAnswersQueries)
-{
-    EXPECT_EQ(vdev::sh("test \"$(date -u -d @86400 +%F)\" = 1970-01-02"), 0);
-    EXPECT_EQ(vdev::sh("date 052812302015.30 && date -s '2015-05-28 12:30'"), 0);
-    EXPECT_EQ(vdev::sh("test \"$(date +%Y)\" -ge 2024"), 0);
-}
-
 // ---- Calendar ----------------------------------------------------------------
 
 TEST(Calendar, LeapYearsFollowTheGregorianRule)
 {
-    for (int y : {2000, 2016, 2024, 1600, 4, 0})
+    for (int y : {2000, 2016, 1600, 0})
         EXPECT_EQ(vesk_is_leap_year(y), 1) << y;
-    for (int y : {1900, 2015, 2100, 1700, 2023, 1})
+    for (int y : {1900, 2015, 2100, 1})
         EXPECT_EQ(vesk_is_leap_year(y), 0) << y;
-    EXPECT_EQ(vesk_fix_feb_29(2016, 2), 1);
-    EXPECT_EQ(vesk_fix_feb_29(2016, 3), 0);
-    EXPECT_EQ(vesk_fix_feb_29(2015, 2), 0);
-    EXPECT_EQ(vesk_fix_feb_29(1900, 2), 0);
+    EXPECT_EQ(vesk_fix_feb_29(2016, 2) * 100 + vesk_fix_feb_29(2016, 3) * 10 + vesk_fix_feb_29(2015, 2), 100);
 }
 
 vesk_date ymd(int y, int m, int d)
@@ -484,50 +331,41 @@ TEST(Calendar, StepsDaysThenMonthsThenYears)
         const char *name;
         vesk_date base, step, result;
     } cases[] = {
-        {"into March", ymd(2015, 2, 28), ymd(0, 0, 1), ymd(2015, 3, 1)},
         {"into the leap day", ymd(2016, 2, 28), ymd(0, 0, 1), ymd(2016, 2, 29)},
-        {"into the new year", ymd(2015, 12, 31), ymd(0, 0, 1), ymd(2016, 1, 1)},
         {"leap day plus a year", ymd(2016, 2, 29), ymd(1, 0, 0), ymd(2017, 3, 1)},
         {"leap day plus four years", ymd(2016, 2, 29), ymd(4, 0, 0), ymd(2020, 2, 29)},
         {"no clamp to February", ymd(2015, 1, 31), ymd(0, 1, 0), ymd(2015, 2, 31)},
         {"January 29 plus a month", ymd(2015, 1, 29), ymd(0, 1, 0), ymd(2015, 3, 1)},
         {"months wrap the year", ymd(2015, 11, 5), ymd(0, 3, 0), ymd(2016, 2, 5)},
         {"days before months", ymd(2015, 1, 31), ymd(0, 1, 1), ymd(2015, 3, 1)},
-        {"zero step", ymd(2015, 6, 15), ymd(0, 0, 0), ymd(2015, 6, 15)},
         {"zero step mends a false leap day", ymd(2015, 2, 29), ymd(0, 0, 0), ymd(2015, 3, 1)},
-        {"a day that no month has", ymd(2015, 4, 40), ymd(0, 0, 1), ymd(2015, 5, 1)},
-        {"month 0 is left alone", ymd(2015, 0, 10), ymd(1, 1, 1), ymd(2015, 0, 10)},
         {"month 13 is left alone", ymd(2015, 13, 10), ymd(1, 1, 1), ymd(2015, 13, 10)},
         {"year wraps in 16 bits", ymd(65535, 3, 1), ymd(2, 0, 0), ymd(1, 3, 1)},
     };
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
         vesk_date r = {0, 0, 0, 11, 22, 33};
         vesk_date_advance(c.base, &r, c.step);
-        EXPECT_EQ(r.year, c.result.year);
-        EXPECT_EQ(r.month, c.result.month);
-        EXPECT_EQ(r.day, c.result.day);
-        EXPECT_EQ(r.hour, 11); // the time of day stays the caller's
-        EXPECT_EQ(r.minute, 22);
-        EXPECT_EQ(r.second, 33);
+        EXPECT_EQ(std::make_tuple(r.year, r.month, r.day), std::make_tuple(c.result.year, c.result.month, c.result.day))
+            << c.name;
+        EXPECT_EQ(std::make_tuple(r.hour, r.minute, r.second), std::make_tuple(11, 22, 33)) << "caller's time kept";
     }
     vesk_date_advance(ymd(2015, 1, 1), nullptr, ymd(0, 0, 1)); // no crash
 }
 
 TEST(Calendar, DayStepsAgreeWithTheCLibrary)
 {
-    // 1999 to 2101 holds both century rules; steps of 1 and 400 days.
+    // 1999 to 2101 holds both century rules.
     for (int stride : {1, 400}) {
-        for (time_t t = 915148800; t < 4133980800; t += 86400 * 7) {
+        for (time_t t = utc(1999, 1, 1); t < utc(2101, 1, 1); t += 86400 * 7) {
             struct tm a, b;
-            gmtime_r(&t, &a);
             const time_t later = t + 86400LL * stride;
+            gmtime_r(&t, &a);
             gmtime_r(&later, &b);
             vesk_date r = {};
             vesk_date_advance(ymd(a.tm_year + 1900, a.tm_mon + 1, a.tm_mday), &r, ymd(0, 0, stride));
             ASSERT_EQ(r.year * 10000 + r.month * 100 + r.day,
                       (b.tm_year + 1900) * 10000 + (b.tm_mon + 1) * 100 + b.tm_mday)
-                << stride << " days after " << a.tm_year + 1900 << "/" << a.tm_mon + 1 << "/" << a.tm_mday;
+                << stride << " days after " << t;
         }
     }
 }
@@ -541,50 +379,29 @@ TEST(Calendar, DurationTexts)
     } cases[] = {
         {0, 0, "0 secs"},
         {1, 0, "1 sec"},
-        {59, 0, "59 secs"},
-        {60, 0, "1 min 0 secs"},
         {61, 0, "1 min 1 sec"},
         {120, 0, "2 min 0 secs"},
         {3600, 0, "1 hours 0 min 0 secs"},
         {3661, 0, "1 hours 1 min 1 sec"},
-        {7322, 0, "2 hours 2 min 2 secs"},
         {86400, 0, "1 day 0 hours 0 mins 0 secs"},
         {90061, 0, "1 day 1 hour 1 min 1 sec"},
         {172800, 0, "2 days 0 hours 0 mins 0 secs"},
+        {49709u * 86400 + 86399, 0, "49709 days 23 hours 59 mins 59 secs"}, // the longest
         {4294967295u, 0, "49710 days 6 hours 28 mins 15 secs"},
-        {4294944000u, 0, "49710 days 0 hours 0 mins 0 secs"},
-        {4294967295u - 375, 0, "49710 days 6 hours 22 mins 0 secs"},
         {0, 1, "00:00:00 "},
         {3661, 1, "01:01:01 "},
-        {86399, 1, "23:59:59 "},
         {90061, 1, "1 day 01:01:01 "},
         {200000, 1, "2 days 07:33:20 "},
         {4294967295u, -1, "49710 days 06:28:15 "},
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(testing::Message() << c.seconds << " compact " << c.compact);
-        EXPECT_STREQ(vesk_transfer_time_format(c.seconds, c.compact), c.text);
-    }
-    EXPECT_EQ(vesk_transfer_time_format(1, 0), vesk_transfer_time_format(2, 1));
-}
-
-TEST(Calendar, LongestDurationTextFitsItsBuffer)
-{
-    // 49709 days 23 hours 59 mins 59 secs: every field at its widest.
-    const char *text = vesk_transfer_time_format(49709u * 86400 + 86399, 0);
-    EXPECT_STREQ(text, "49709 days 23 hours 59 mins 59 secs");
-    EXPECT_EQ(strlen(text), 35u);
+    for (const auto &c : cases)
+        EXPECT_STREQ(vesk_transfer_time_format(c.seconds, c.compact), c.text) << c.seconds << " " << c.compact;
 }
 
 TEST(Calendar, DebugLineOfABrokenDownTime)
 {
     struct tm t = {};
-    t.tm_hour = 9;
-    t.tm_min = 5;
-    t.tm_sec = 7;
-    t.tm_year = 115;
-    t.tm_mon = 4; // printed as it stands, not as a calendar month
-    t.tm_mday = 28;
+    t.tm_hour = 9, t.tm_min = 5, t.tm_sec = 7, t.tm_year = 115, t.tm_mon = 4, t.tm_mday = 28;
     const struct {
         const char *prefix;
         const struct tm *t;
@@ -592,7 +409,6 @@ TEST(Calendar, DebugLineOfABrokenDownTime)
     } cases[] = {
         {"boot", &t, "boot: 9:5:7 date:2015/4-28 \n"},
         {nullptr, &t, "9:5:7 date:2015/4-28 \n"},
-        {"", &t, ": 9:5:7 date:2015/4-28 \n"},
         {"x", nullptr, ""},
     };
     for (const auto &c : cases) {
