@@ -10,7 +10,7 @@
 #include <iterator>
 #include <string_view>
 
-#include "core/read_line.hpp"
+#include "core/line_reader.hpp"
 #include "core/unique.hpp"
 #include "sysapi.h"
 

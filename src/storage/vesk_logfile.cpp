@@ -7,7 +7,7 @@
 #include <string.h>
 #include <time.h>
 
-#include "core/read_line.hpp"
+#include "core/line_reader.hpp"
 #include "core/unique.hpp"
 #include "sysapi.h"
 #include "vesk_string.h"
