@@ -91,7 +91,7 @@ static int take(struct snapshot *s, int keep)
             if (keep && g == G_VESK && vesk_map_count < (int)(sizeof vesk_maps / sizeof vesk_maps[0])) {
                 m = &vesk_maps[vesk_map_count++];
                 memset(m, 0, sizeof *m);
-                snprintf(m->perms, sizeof m->perms, "%s", path[0] ? perms : "bss ");
+                snprintf(m->perms, sizeof m->perms, "%s", path[0] ? perms : "anon");
             }
             continue;
         }
@@ -225,10 +225,16 @@ int main(int argc, char **argv)
     close(saved);
     take(&called, 1);
 
-    printf("Calls:");
-    for (size_t i = 0; i < sizeof calls / sizeof calls[0]; i++)
-        printf(" %s%s", calls[i].symbol, found[i] ? "" : " (not built yet)");
-    printf("\n");
+    for (int pass = 1; pass >= 0; pass--) {
+        printf(pass ? "\nCalled:" : "\nNot in the library yet:");
+        const char *sep = " ";
+        for (size_t i = 0; i < sizeof calls / sizeof calls[0]; i++)
+            if (found[i] == pass) {
+                printf("%s%s `%s`", sep, calls[i].family, calls[i].symbol);
+                sep = ", ";
+            }
+        printf(".\n");
+    }
     print_table("Loading the library adds", &before, &loaded);
     print_table("Calling one function of each family then adds", &loaded, &called);
     print_table("Total after the calls, counted from the start", &before, &called);
