@@ -8,6 +8,7 @@
  * 4 GiB, so any mapping above belongs to the emulator hosting it. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -201,6 +202,13 @@ int main(int argc, char **argv)
     }
     char path[4096];
     snprintf(path, sizeof path, "%s/libvesk.so.1", argv[1]);
+    /* A freshly built file's pages stay dirty in the page cache until they
+     * are written back, and smaps would count them as the process's own. */
+    int fd = open(path, O_RDONLY);
+    if (fd >= 0) {
+        fsync(fd);
+        close(fd);
+    }
     void *lib = dlopen(path, RTLD_NOW | RTLD_LOCAL);
     if (!lib) {
         fprintf(stderr, "footprint: %s\n", dlerror());
