@@ -172,19 +172,24 @@ static void call(void *fn, enum kind kind, const char *family)
     }
 }
 
-static void print_table(const char *title, const struct snapshot *a, const struct snapshot *b)
+static void print_head(const char *title, const char *first)
 {
-    printf("\n%s (kB)\n\n| | ", title);
+    printf("\n%s (kB)\n\n| %s | ", title, first);
     for (int f = 0; f < F_COUNT; f++)
         printf("%s | ", field_names[f]);
     printf("\n|---|");
     for (int f = 0; f < F_COUNT; f++)
         printf("---:|");
     printf("\n");
+}
+
+static void print_table(const char *title, const struct snapshot *a, const struct snapshot *b)
+{
+    print_head(title, "");
     for (int g = 0; g < G_COUNT; g++) {
         printf("| %s | ", group_names[g]);
         for (int f = 0; f < F_COUNT; f++)
-            printf("%+ld | ", (long)(b->kb[g][f] - (a ? a->kb[g][f] : 0)));
+            printf("%+ld | ", (long)b->kb[g][f] - (long)a->kb[g][f]);
         printf("\n");
     }
 }
@@ -247,13 +252,7 @@ int main(int argc, char **argv)
     print_table("Calling one function of each family then adds", &loaded, &called);
     print_table("Total after the calls, counted from the start", &before, &called);
 
-    printf("\nlibvesk's mappings after the calls (kB)\n\n| mapping | ");
-    for (int f = 0; f < F_COUNT; f++)
-        printf("%s | ", field_names[f]);
-    printf("\n|---|");
-    for (int f = 0; f < F_COUNT; f++)
-        printf("---:|");
-    printf("\n");
+    print_head("libvesk's mappings after the calls", "mapping");
     for (int i = 0; i < vesk_map_count; i++) {
         printf("| %s | ", vesk_maps[i].perms);
         for (int f = 0; f < F_COUNT; f++)
