@@ -46,13 +46,27 @@ void put_addr(char *buf, in_addr addr) { inet_ntop(AF_INET, &addr, buf, kAddrTex
 
 void put_no_addr(char *buf) { snprintf(buf, kAddrText, "%s", kNoAddr); }
 
+// A null name is reported with the name of the query that got it.
+bool null_name(const char *func, const char *ifname)
+{
+    if (ifname)
+        return false;
+    T_PRINTF("%s: interface is NULL!\n", func);
+    return true;
+}
+
+// The common start of a query: the name is checked, then the request is
+// issued on an internet socket.
+bool ask(const char *func, const char *ifname, unsigned long request, ifreq &req)
+{
+    return !null_name(func, ifname) && query_if(ifname, request, req);
+}
+
 // One address query into one of the text buffers.
 char *addr_text(const char *func, const char *ifname, unsigned long request, char *buf)
 {
-    if (!ifname) {
-        T_PRINTF("%s: interface is NULL!\n", func);
+    if (null_name(func, ifname))
         return nullptr;
-    }
     ifreq req;
     if (!query_if(ifname, request, req)) {
         put_no_addr(buf);
@@ -79,10 +93,8 @@ extern "C" {
 
 int vesk_if_get_hw_addr(const char *ifname, unsigned char *mac_bin)
 {
-    if (!ifname) {
-        T_PRINTF("%s: interface is NULL!\n", __func__);
+    if (null_name(__func__, ifname))
         return 0;
-    }
     ifreq req;
     if (!mac_bin || !vesk::make_ifreq(req, ifname))
         return 0;
@@ -103,10 +115,8 @@ char *vesk_if_get_mask(const char *ifname) { return addr_text(__func__, ifname, 
 
 char *vesk_if_get_subnet(const char *ifname)
 {
-    if (!ifname) {
-        T_PRINTF("%s: interface is NULL!\n", __func__);
+    if (null_name(__func__, ifname))
         return nullptr;
-    }
     ifreq req;
     if (!query_if(ifname, SIOCGIFNETMASK, req)) {
         put_no_addr(if_subnet_buffer);
@@ -125,10 +135,8 @@ char *vesk_if_get_subnet(const char *ifname)
 
 int vesk_if_is_existed(const char *ifname)
 {
-    if (!ifname) {
-        T_PRINTF("%s: interface is NULL!\n", __func__);
+    if (null_name(__func__, ifname))
         return 0;
-    }
     ifreq req;
     if (!vesk::make_ifreq(req, ifname))
         return 0;
@@ -140,46 +148,30 @@ int vesk_if_is_existed(const char *ifname)
 
 int vesk_if_is_ip_ready(const char *ifname)
 {
-    if (!ifname) {
-        T_PRINTF("%s: interface is NULL!\n", __func__);
-        return 0;
-    }
     ifreq req;
-    if (!query_if(ifname, SIOCGIFADDR, req))
+    if (!ask(__func__, ifname, SIOCGIFADDR, req))
         return 0;
     return sin_addr_of(req.ifr_addr).s_addr != 0 ? 1 : 0;
 }
 
 int vesk_if_is_up(const char *ifname)
 {
-    if (!ifname) {
-        T_PRINTF("%s: interface is NULL!\n", __func__);
-        return 0;
-    }
     ifreq req;
-    if (!query_if(ifname, SIOCGIFFLAGS, req))
+    if (!ask(__func__, ifname, SIOCGIFFLAGS, req))
         return 0;
     return (req.ifr_flags & IFF_UP) ? 1 : 0;
 }
 
 int vesk_if_get_index(const char *ifname)
 {
-    if (!ifname) {
-        T_PRINTF("%s: interface is NULL!\n", __func__);
-        return 0;
-    }
     ifreq req;
-    return query_if(ifname, SIOCGIFINDEX, req) ? req.ifr_ifindex : 0;
+    return ask(__func__, ifname, SIOCGIFINDEX, req) ? req.ifr_ifindex : 0;
 }
 
 int vesk_if_get_mtu(const char *ifname)
 {
-    if (!ifname) {
-        T_PRINTF("%s: interface is NULL!\n", __func__);
-        return 0;
-    }
     ifreq req;
-    return query_if(ifname, SIOCGIFMTU, req) ? req.ifr_mtu : 0;
+    return ask(__func__, ifname, SIOCGIFMTU, req) ? req.ifr_mtu : 0;
 }
 
 int vesk_if_set_lan_state(const char *ifname, int state)
