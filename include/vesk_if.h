@@ -127,8 +127,8 @@ typedef struct vesk_if_stats {
 /* Reads the counters of ifname from /proc/net/dev, whichever of its three
  * layouts the kernel writes, into stats. Returns 1 when the interface's row
  * was found (counters it did not reach are 0), 0 when it was not (stats all
- * zero), when the file cannot be opened (stats untouched), or with a
- * message when an argument is null. */
+ * zero; an empty ifname matches no row), when the file cannot be opened
+ * (stats untouched), or with a message when an argument is null. */
 VESK_API int vesk_if_get_stats(const char *ifname, vesk_if_stats *stats);
 
 VESK_END_DECLS

@@ -1,16 +1,33 @@
-// Line-by-line reading of kernel tables and small text files into a fixed
-// buffer. A line longer than the buffer is cut, and the rest of it is
-// dropped, so its tail is never mistaken for a line of its own.
+// Line-by-line reading of kernel text tables (/proc/mtd, /proc/mounts, ...)
+// into fixed buffers.
 #pragma once
 
-#include <stddef.h>
 #include <stdio.h>
 #include <string.h>
+
+#include <span>
 
 #include "core/unique.hpp"
 
 namespace vesk {
 
+// Reads the next line into buf: at most buf.size() - 1 characters, newline
+// kept when it fits. The rest of a longer line is read and dropped, so that
+// one line of the file is always one line for the caller.
+// Returns false at the end of the file.
+inline bool read_line(FILE *f, std::span<char> buf)
+{
+    if (buf.size() < 2 || !fgets(buf.data(), static_cast<int>(buf.size()), f))
+        return false;
+    if (!strchr(buf.data(), '\n')) {
+        for (int c = getc(f); c != EOF && c != '\n'; c = getc(f)) {
+        }
+    }
+    return true;
+}
+
+// A file opened for reading with its own line buffer of N bytes, for a
+// table read once from top to bottom.
 template <size_t N>
 class line_reader {
     static_assert(N >= 2, "room for one character and the terminator");
@@ -20,19 +37,9 @@ public:
 
     explicit operator bool() const { return bool(file_); }
 
-    // The next line, its newline kept, or null at the end of the file.
+    // The next line as read_line gives it, or null at the end of the file.
     // The text stays valid until the next call.
-    char *next()
-    {
-        if (!file_ || !fgets(line_, N, file_.get()))
-            return nullptr;
-        if (!strchr(line_, '\n')) {
-            int c;
-            while ((c = getc(file_.get())) != EOF && c != '\n') {
-            }
-        }
-        return line_;
-    }
+    char *next() { return file_ && read_line(file_.get(), line_) ? line_ : nullptr; }
 
     // Passes over count lines (column headers); false when the file ends first.
     bool skip(int count)

@@ -1,5 +1,6 @@
 // Gateways from the kernel's route table and DNS servers from the resolver
 // files.
+#include <net/if.h>
 #include <stdint.h>
 #include <stdio.h>
 #include <string.h>
@@ -17,7 +18,6 @@ constexpr size_t kAddrText = 16;
 constexpr size_t kRouteLine = 256;
 constexpr size_t kResolvLine = 256;
 constexpr size_t kWord = 80;     // file name, first word and address of a resolver line
-constexpr size_t kIfName = 16;   // with the terminator
 constexpr size_t kDnsText = 128;
 
 constexpr char kNoAnswer[] = "---";
@@ -39,7 +39,7 @@ bool parse_route(const char *line, route_entry *route)
 {
     std::string_view rest(line);
     route->iface = vesk::next_word(rest);
-    if (route->iface.empty() || route->iface.size() >= kIfName)
+    if (route->iface.empty() || route->iface.size() >= IFNAMSIZ)
         return false;
     unsigned int destination, gateway, flags, mask;
     int refcnt, use, metric;

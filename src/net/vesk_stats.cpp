@@ -1,5 +1,6 @@
 // Traffic counters of one interface from /proc/net/dev, in whichever of the
 // three layouts the running kernel writes.
+#include <net/if.h>
 #include <stddef.h>
 #include <stdio.h>
 #include <string.h>
@@ -22,7 +23,6 @@ static_assert(offsetof(vesk_if_stats, tx_window_errors) == 104);
 namespace {
 
 constexpr size_t kLine = 128;
-constexpr size_t kIfName = 16; // with the terminator
 
 // Kernels before 2.1.x have no byte counters; 2.1.x to 2.2 no compressed or
 // multicast columns; later ones all sixteen.
@@ -46,7 +46,7 @@ std::string_view split_name(const char *line, const char **numbers)
     const char *end = p;
     while (*end && *end != ':' && *end != ' ' && *end != '\t' && *end != '\n' && *end != '\r')
         end++;
-    if (*end != ':' || static_cast<size_t>(end - p) >= kIfName)
+    if (*end != ':' || static_cast<size_t>(end - p) >= IFNAMSIZ)
         return {};
     *numbers = end + 1;
     return {p, static_cast<size_t>(end - p)};

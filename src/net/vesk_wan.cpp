@@ -1,6 +1,7 @@
 // WAN state: the PPP link, the detector's findings, and port range lists.
 #include "vesk_wan.h"
 
+#include <net/if.h>
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -16,7 +17,6 @@ namespace {
 
 constexpr size_t kPidPath = 80;
 constexpr size_t kNetstatOut = 80;
-constexpr size_t kIfName = 16; // with the terminator
 
 // The PPP daemon's placeholder peer before the link negotiates addresses.
 constexpr std::string_view kPlaceholderGateway = "10.64.64.68";
@@ -45,9 +45,9 @@ bool daemon_alive(const char *pid_name)
 // Runs "netstat -rn | grep <ifname>"; only whether it could be run counts.
 int netstat_route_check(const char *ifname)
 {
-    if (!ifname || strlen(ifname) >= kIfName)
+    if (!ifname || strlen(ifname) >= IFNAMSIZ)
         return -1;
-    char quoted[2 * kIfName];
+    char quoted[2 * IFNAMSIZ];
     vesk_util_check_string_on_shell_cmd(ifname, quoted); // a name is no command
     char out[kNetstatOut] = {};
     return sysinteract(out, sizeof out, "netstat -rn | grep %s", quoted);
