@@ -1,0 +1,183 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "vdev.hpp"
+#include "vesk_product.h"
+
+namespace {
+
+size_t count_runs(const std::string &line)
+{
+    size_t n = 0;
+    for (const std::string &l : vdev::journal())
+        n += l == line;
+    return n;
+}
+
+TEST(Product, RowZeroServesTheProductBoard)
+{
+    const struct {
+        const char *(*get)(void);
+        const char *value;
+    } cases[] = {
+        {vesk_product_get_vendor_name, "QN.LAM"},
+        {vesk_product_get_vendor_mode, "Wireless Gigabit AP"},
+        {vesk_product_get_web_copy_right, ""},
+        {vesk_product_get_banner_logo, "web_banner.image"},
+        {vesk_product_get_ap_wsc_model_name, "Corvane Wireless Gigabit AP"},
+        {vesk_product_get_label_font_color, "1E6AB6"},
+        {vesk_product_get_model_name_font_color, "FFFFFF"},
+        {vesk_product_get_upnpd_model_name, "QN.Lam"},
+        {vesk_product_get_upnpd_model_num, "QN.Lam"},
+    };
+    for (const auto &c : cases)
+        EXPECT_STREQ(c.get(), c.value);
+    EXPECT_EQ(vesk_product_get_fw_upg_product_id(), 18u);
+    EXPECT_EQ(vesk_product_get_fw_upg_vendor_id(), 270u);
+    EXPECT_EQ(vesk_product_get_fw_upg_vendor_id() << 16 | vesk_product_get_fw_upg_product_id(),
+              vesk_product_get_board_hw_id_hex());
+    EXPECT_STREQ(vesk_product_get_upnpd_manufacture_url(), vesk_product_get_upnpd_model_url());
+    EXPECT_EQ(std::string(vesk_product_get_upnpd_model_url()).rfind("http://", 0), 0u);
+}
+
+TEST(Product, EveryGetterAsksTheBoardForItsId)
+{
+    for (const char *hw_id : {"010E0012", "00000001", ""}) {
+        SCOPED_TRACE(hw_id);
+        vdev::set_board("hw_id", hw_id);
+        vdev::clear_journal();
+        EXPECT_EQ(vesk_product_get_index(), 0);
+        EXPECT_STREQ(vesk_product_get_model_name(), "QN.LAM");
+        EXPECT_EQ(vesk_product_get_fw_upg_product_id(), 18u);
+        EXPECT_STREQ(vesk_product_get_support_language(1), "uk");
+        EXPECT_EQ(count_runs("board_config get hw_id"), 4u);
+    }
+}
+
+TEST(Product, UnknownBoardIsMatchedAgainLater)
+{
+    // A board that first reports a foreign ID is still served, and is
+    // recognised once it reports the product's own.
+    vdev::set_board("hw_id", "12345678");
+    EXPECT_EQ(vesk_product_get_index(), 0);
+    vdev::set_board("hw_id", "010E0012");
+    EXPECT_EQ(vesk_product_get_index(), 0);
+    vdev::set_board("hw_id", "12345678");
+    EXPECT_STREQ(vesk_product_get_vendor_logo(), "web_logo.image");
+}
+
+TEST(Product, SupportLanguageCountsFromOne)
+{
+    const struct {
+        int n;
+        const char *value; // nullptr: null expected
+    } cases[] = {{1, "uk"}, {2, ""}, {10, ""}, {11, nullptr}, {20, nullptr}, {0, nullptr}, {21, nullptr}, {-1, nullptr}};
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.n);
+        if (c.value)
+            EXPECT_STREQ(vesk_product_get_support_language(c.n), c.value);
+        else
+            EXPECT_EQ(vesk_product_get_support_language(c.n), nullptr);
+    }
+}
+
+TEST(Product, BoardDomainFallsBackToItsDefault)
+{
+    const struct {
+        const char *printed; // nullptr: the board has no such key
+        uint8_t first, second;
+    } cases[] = {
+        {nullptr, 5, 7}, {"", 5, 7}, {"1f", 31, 31}, {"1F", 31, 31}, {"zz", 5, 7},
+        {"0", 0, 0},     {"1ff", 0xff, 0xff},        // cut to 3 characters by the 4-byte buffer
+        {"123456", 0x23, 0x23},                      // "123" read, low 8 bits kept
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.printed ? c.printed : "(absent)");
+        if (c.printed) {
+            vdev::set_board("domain", c.printed);
+            vdev::set_board("dom2", c.printed);
+        } else {
+            vdev::put("/run/vdev/board.conf", "hw_id=010E0012\n");
+        }
+        vdev::clear_journal();
+        EXPECT_EQ(vesk_product_get_board_domain(0), c.first);
+        EXPECT_EQ(vesk_product_get_board_domain(1), c.second);
+        EXPECT_EQ(vesk_product_get_board_domain(-3), c.second);
+        EXPECT_EQ(vdev::journal(), (std::vector<std::string>{"board_config get domain", "board_config get dom2",
+                                                             "board_config get dom2"}));
+    }
+}
+
+TEST(Product, HardwareIdTextAndNumber)
+{
+    const struct {
+        const char *hw_id;
+        const char *text;
+        uint32_t value;
+    } cases[] = {
+        {"010E0012", "010E0012\n", 0x010E0012},
+        {"010E0012FF", "010E0012FF\n", 0x010E0012}, // first 8 digits only
+        {"10E0012", "10E0012\n", 0x010E0012},
+        {"ffffffff", "ffffffff\n", 0xFFFFFFFF},
+        {"nothex", "nothex\n", 0},
+        {"", "\n", 0},
+        // The 20-byte buffer keeps 19 characters of a longer line.
+        {"0123456789ABCDEF0123456789", "0123456789ABCDEF012", 0x01234567},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.hw_id);
+        vdev::set_board("hw_id", c.hw_id);
+        char *text = vesk_product_get_board_hw_id_str();
+        EXPECT_STREQ(text, c.text);
+        EXPECT_EQ(vesk_product_get_board_hw_id_hex(), c.value);
+        EXPECT_EQ(vesk_product_get_board_hw_id_str(), text); // one static buffer
+    }
+}
+
+TEST(Product, FirmwareVersionIsRewrittenEachCall)
+{
+    char *v = vesk_product_get_fw_version();
+    EXPECT_STREQ(v, "1.0.0");
+    strcpy(v, "9.9.9-changed");
+    EXPECT_EQ(vesk_product_get_fw_version(), v);
+    EXPECT_STREQ(v, "1.0.0");
+    EXPECT_EQ(v[6], '\0'); // the caller's longer text is gone too
+    EXPECT_EQ(vesk_product_get_fw_version_dec(), 10000u);
+    EXPECT_STREQ(vesk_product_get_fw_build_date(), "2015/05/28");
+}
+
+TEST(FwNotify, AllNineLanguagesMustBePresent)
+{
+    const char *langs[] = {"uk", "nl", "de", "dk", "es", "fr", "it", "pt", "se"};
+    // Look-alikes that count for nothing.
+    for (const char *extra : {"jp_xml.txt", "uk_xml.txt.bak", "UK_xml.txt", "xuk_xml.txt", "uk_xml.TXT"})
+        vdev::put(std::string("/var/") + extra, "");
+    for (const char *lang : langs) {
+        EXPECT_EQ(vesk_product_check_fw_notify(), 0) << "before " << lang;
+        vdev::put(std::string("/var/") + lang + "_xml.txt", "");
+    }
+    EXPECT_EQ(vesk_product_check_fw_notify(), 1);
+    vdev::remove("/var/fr_xml.txt");
+    ASSERT_EQ(vdev::sh("mkdir /var/fr_xml.txt"), 0); // only the name counts
+    EXPECT_EQ(vesk_product_check_fw_notify(), 1);
+}
+
+TEST(FwNotify, NewerVersionByNumber)
+{
+    const struct {
+        const char *text;
+        int newer;
+    } cases[] = {
+        {"1.0.1", 1},  {"1.0.0", 0},  {"0.9.9", 0},  {"1.1", 1},      {"2.0.0", 1},  {"0.99.99", 0},
+        {"1.0", 0},    {"1", 0},      {"", 0},       {"abc", 0},      {nullptr, 0},  {"1.0.0.5", 0},
+        {"0.100.1", 1}, // minor carries: 0*10000 + 100*100 + 1 = 10001
+        {"1.0.1beta", 1},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.text ? c.text : "(null)");
+        EXPECT_EQ(vesk_product_check_new_fw_by_str(c.text), c.newer);
+    }
+}
+
+} // namespace
