@@ -1,6 +1,7 @@
 #include <stdio.h>
 
 #include "cli.hpp"
+#include "vesk_mtd.h"
 #include "vesk_product.h"
 
 namespace {
@@ -70,6 +71,30 @@ int language(int, char **argv)
 int notify(int, char **) { return printf("%d\n", vesk_product_check_fw_notify()) < 0; }
 int newer(int, char **argv) { return printf("%d\n", vesk_product_check_new_fw_by_str(argv[0])) < 0; }
 
+int mtd(int, char **argv)
+{
+    int index, size = 0;
+    if (vesk_get_mtd_by_name(argv[0], &index, &size) < 0) {
+        fprintf(stderr, "vesk product mtd: no flash partition %s\n", argv[0]);
+        return 1;
+    }
+    printf("/dev/mtd%d %d\n", index, size);
+    return 0;
+}
+
+int uuid(int, char **) { return cli::print_text(vesk_get_uuid()); }
+
+int wlan_uuid(int argc, char **argv)
+{
+    int which = 0;
+    if (argc > 0 && !cli::parse_int(argv[0], &which)) {
+        fprintf(stderr, "vesk product wlan-uuid: %s is not a number\n", argv[0]);
+        return 2;
+    }
+    fputs(vesk_get_uuid_by_wlan_mac(which), stdout); // the tool's line, its line end included
+    return 0;
+}
+
 constexpr cli::command kCommands[] = {
     {"info", "", "the product row: IDs, names, logos, UPnP and WPS identity", 0, info},
     {"hw-id", "", "the board's hardware ID as a number", 0, hw_id},
@@ -77,9 +102,12 @@ constexpr cli::command kCommands[] = {
     {"version", "", "firmware version, its number and build date", 0, version},
     {"language", "N", "supported language N (1 to 20)", 1, language},
     {"notify", "", "1 when all nine firmware notice files are in /var", 0, notify},
+    {"mtd", "NAME", "device and size in bytes of the flash partition NAME", 1, mtd},
+    {"uuid", "", "the device UUID made from the board MAC", 0, uuid},
+    {"wlan-uuid", "[1]", "the UUID uuidgen makes of the board MAC (plus one with 1)", 0, wlan_uuid},
     {"newer", "VERSION", "1 when VERSION is newer than the running firmware", 1, newer},
 };
 
 } // namespace
 
-extern const cli::family family_product = {"product", "product identity and firmware version", kCommands};
+extern const cli::family family_product = {"product", "product identity, firmware version, flash partitions and UUIDs", kCommands};
