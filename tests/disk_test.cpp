@@ -1,0 +1,265 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <string>
+
+#include "core/unique.hpp"
+#include "vdev.hpp"
+#include "vesk_disk.h"
+
+namespace {
+
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStdout;
+
+template <typename F> std::string stdout_of(F &&f)
+{
+    fflush(stdout);
+    CaptureStdout();
+    f();
+    fflush(stdout);
+    return GetCapturedStdout();
+}
+
+bool journal_has(const std::string &line)
+{
+    auto j = vdev::journal();
+    return std::find(j.begin(), j.end(), line) != j.end();
+}
+
+// A real tmpfs mounted under a disk's device name.
+void mount_disk(const char *dev, const char *dir, const char *opts = "size=64k")
+{
+    ASSERT_EQ(vdev::sh(std::string("mkdir -p ") + dir + " && /usr/bin/mount -t tmpfs -o " + opts + " " + dev + " " +
+                       dir),
+              0);
+}
+
+std::string p(const char *s) { return s ? s : "(null)"; }
+
+TEST(Disk, LooksUpMountsByExactField)
+{
+    const std::string dev79 = "/dev/" + std::string(74, 'd'), dev80 = "/dev/" + std::string(75, 'e');
+    vdev::put("/proc/mounts", "/dev/sdz9 /mnt/first vfat rw 0 0\n"
+                              "/dev/sda10 /mnt/usb10 vfat ro 0 0\n"
+                              "/dev/sda1 /mnt/usb1 vfat rw,relatime 0 0\n"
+                              "tmpfs /mnt/sda1x tmpfs rw 0 0\n"
+                              "/dev/sdb1 /mnt/opt vfat rw,/dev/sdc1 0 0\n" +
+                                  dev79 + " /mnt/d79 vfat rw 0 0\n" + dev80 + " /mnt/e80 vfat rw 0 0\n" +
+                                  "/dev/sdf1 /mnt/" + std::string(300, 'f') + " vfat rw 0 0\n" +
+                                  "/dev/sdg1 /mnt/g vfat rw 0 0\n");
+    const struct {
+        std::string dev;
+        const char *dir; // nullptr: not mounted
+    } by_dev[] = {
+        {"/dev/sda1", "/mnt/usb1"}, {"/dev/sda10", "/mnt/usb10"}, {"/dev/sdz9", nullptr}, // first line ignored
+        {"/dev/sda", nullptr},      {"sda1", nullptr},            {"/dev/sdc1", nullptr}, // only in options
+        {dev79, "/mnt/d79"},        {dev80, nullptr},             {"/dev/sdf1", nullptr}, // over-long field
+        {"/dev/sdg1", "/mnt/g"},                                                          // after a long line
+    };
+    for (const auto &c : by_dev) {
+        SCOPED_TRACE(c.dev);
+        EXPECT_EQ(p(vesk_disk_get_mount_point(c.dev.c_str())), p(c.dir));
+    }
+    const struct {
+        const char *dir;
+        const char *dev;
+    } by_dir[] = {{"/mnt/usb1", "/dev/sda1"}, {"/mnt/usb10", "/dev/sda10"}, {"/mnt/first", nullptr},
+                  {"/mnt/usb", nullptr},      {"/mnt/usb1/", nullptr},      {"/mnt/sda1x", "tmpfs"}};
+    for (const auto &c : by_dir) {
+        SCOPED_TRACE(c.dir);
+        EXPECT_EQ(p(vesk_disk_get_mount_dev(c.dir)), p(c.dev));
+    }
+    // Two look-ups keep separate buffers; one function reuses its own.
+    char *dir = vesk_disk_get_mount_point("/dev/sda1");
+    char *dev = vesk_disk_get_mount_dev("/mnt/usb10");
+    EXPECT_STREQ(dir, "/mnt/usb1");
+    EXPECT_STREQ(dev, "/dev/sda10");
+    EXPECT_EQ(vesk_disk_get_mount_point("/dev/sdg1"), dir);
+    EXPECT_STREQ(dir, "/mnt/g");
+}
+
+TEST(Disk, LookUpFailures)
+{
+    EXPECT_EQ(stdout_of([] { EXPECT_EQ(vesk_disk_get_mount_point(nullptr), nullptr); }),
+              "vesk_disk_get_mount_point: dev_name = NULL!\n");
+    vdev::remove("/proc/mounts");
+    EXPECT_EQ(vesk_disk_get_mount_point("/dev/sda1"), nullptr);
+    EXPECT_EQ(vesk_disk_get_mount_dev("/mnt/usb1"), nullptr);
+}
+
+TEST(Disk, FreeSpaceIsLow32BitsOfFreeBlocks)
+{
+    mount_disk("/dev/sda1", "/mnt/small");
+    mount_disk("/dev/sdb1", "/mnt/big", "size=5g");
+    vdev::put("/mnt/small/used", std::string(8192, 'x'));
+    EXPECT_EQ(vesk_disk_get_mounted_partition_free_space("/mnt/small"), 65536u - 8192u);
+    EXPECT_EQ(vesk_disk_get_mounted_partition_free_space("/mnt/small/used"), 65536u - 8192u);
+    EXPECT_EQ(vesk_disk_get_mounted_partition_free_space("/mnt/big"), 1u << 30); // 5 GiB wraps to 1 GiB
+    EXPECT_EQ(vesk_disk_get_mounted_partition_free_space("/mnt/nowhere"), 0u);
+    EXPECT_EQ(stdout_of([] { EXPECT_EQ(vesk_disk_get_mounted_partition_free_space(nullptr), 0u); }),
+              "Error: vesk_disk_get_mounted_partition_free_space input error!\n");
+}
+
+TEST(Disk, MountRemakesTheMountPoint)
+{
+    vdev::put("/run/vdev/disks", "/dev/sda1 tmpfs size=64k\n");
+    vdev::put("/mnt/usb1/stale/file", "old");
+    vdev::clear_journal();
+    std::string out = stdout_of([] { EXPECT_EQ(vesk_disk_mount("/dev/sda1", "/mnt/usb1"), 1); });
+    EXPECT_EQ(out, "!!!!!!!!!!!!\n");
+    EXPECT_EQ(vdev::journal(), std::vector<std::string>{"mount /dev/sda1 /mnt/usb1"});
+    EXPECT_FALSE(vdev::exists("/mnt/usb1/stale"));
+    EXPECT_STREQ(vesk_disk_get_mount_point("/dev/sda1"), "/mnt/usb1");
+
+    // Mounted already: nothing is removed or mounted, wherever it was asked for.
+    vdev::put("/mnt/usb2/keep", "k");
+    vdev::clear_journal();
+    out = stdout_of([] { EXPECT_EQ(vesk_disk_mount("/dev/sda1", "/mnt/usb2"), 1); });
+    EXPECT_EQ(out, "Warning, disk [/dev/sda1] is already mounted!\n");
+    EXPECT_TRUE(vdev::journal().empty());
+    EXPECT_TRUE(vdev::exists("/mnt/usb2/keep"));
+
+    // A device that cannot be mounted leaves an empty directory.
+    vdev::put("/mnt/usb3/old", "o");
+    out = stdout_of([] { EXPECT_EQ(vesk_disk_mount("/dev/sdq1", "/mnt/usb3"), 0); });
+    EXPECT_EQ(out, "!!!!!!!!!!!!\n");
+    EXPECT_EQ(vdev::sh("[ -d /mnt/usb3 ] && [ -z \"$(ls -A /mnt/usb3)\" ]"), 0);
+}
+
+TEST(Disk, MountRefusesArgumentsItCannotPassSafely)
+{
+    vdev::put("/mnt/x/keep", "k");
+    const struct {
+        const char *dev, *dir;
+    } cases[] = {
+        {nullptr, "/mnt/x"},          {"/dev/sda1", nullptr},           {"", "/mnt/x"},
+        {"/dev/sda1", ""},            {"/dev/sda1", "/"},               {"/dev/sda1", "///"},
+        {"/dev/sda1", "/mnt/.."},     {"/dev/sda1", "/mnt/x/../.."},    {"/dev/sda1", "/./"},
+        {"/dev/sda1", "mnt/x"},       {"/dev/sda1", "/mnt/x;rm -rf /"}, {"/dev/sda1 /mnt/y", "/mnt/x"},
+        {"/dev/sda1", "/mnt/$(id)"},  {"`id`", "/mnt/x"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(p(c.dev) + " " + p(c.dir));
+        vdev::clear_journal();
+        EXPECT_EQ(stdout_of([&] { EXPECT_EQ(vesk_disk_mount(c.dev, c.dir), 0); }), "vesk_disk_mount: input error!\n");
+        EXPECT_TRUE(vdev::journal().empty());
+    }
+    EXPECT_TRUE(vdev::exists("/mnt/x/keep"));
+    EXPECT_TRUE(vdev::exists("/bin/sh"));
+}
+
+TEST(Disk, UnmountSucceedsWhenNothingIsLeftMounted)
+{
+    mount_disk("/dev/sda1", "/mnt/usb1");
+    vdev::clear_journal();
+    EXPECT_EQ(vesk_disk_unmount("/mnt/usb1"), 1);
+    EXPECT_EQ(vdev::journal(), std::vector<std::string>{"umount -f /mnt/usb1"});
+    EXPECT_EQ(vesk_disk_get_mount_point("/dev/sda1"), nullptr);
+    EXPECT_EQ(vesk_disk_unmount("/mnt/usb1"), 1); // nothing there: still asked, still 1
+    EXPECT_EQ(vdev::journal().size(), 2u);
+
+    mount_disk("/dev/sda1", "/mnt/busy");
+    vdev::put("/mnt/busy/open", "x");
+    {
+        vesk::unique_fd held(open("/mnt/busy/open", O_RDONLY));
+        ASSERT_TRUE(held);
+        EXPECT_EQ(vesk_disk_unmount("/mnt/busy"), 0);
+    }
+    EXPECT_EQ(vesk_disk_unmount("/mnt/busy"), 1);
+
+    EXPECT_EQ(stdout_of([] { EXPECT_EQ(vesk_disk_unmount(nullptr), 0); }), "vesk_disk_unmount: mount_point is NULL!\n");
+    EXPECT_EQ(stdout_of([] { EXPECT_EQ(vesk_disk_unmount("/mnt/a /"), 0); }), "vesk_disk_unmount: input error!\n");
+}
+
+struct copy_case {
+    const char *what;
+    std::string src;      // path to copy
+    std::string dst;
+    const char *mount;    // mount point argument
+    int report;
+    int result;
+    bool reported;        // log line and LED
+    bool dst_exists;      // afterwards
+};
+
+void check_copy(const copy_case &c)
+{
+    SCOPED_TRACE(c.what);
+    vdev::remove("/var/log/messages");
+    vdev::clear_journal();
+    EXPECT_EQ(vesk_disk_save_copy_file(c.src.c_str(), c.dst.c_str(), c.mount, c.report), c.result);
+    bool logged = vdev::read("/var/log/messages").find("Can not copy file to USB disk") != std::string::npos;
+    EXPECT_EQ(logged, c.reported);
+    EXPECT_EQ(journal_has("led_ctl diag D5"), c.reported);
+    EXPECT_EQ(vdev::exists(c.dst), c.dst_exists);
+    if (c.result == 1) {
+        EXPECT_EQ(vdev::read(c.dst), vdev::read(c.src));
+    }
+}
+
+TEST(Disk, CopyChecksTheDiskFirst)
+{
+    mount_disk("/dev/sda1", "/mnt/usb1");
+    vdev::put("/tmp/small", std::string(1000, 's'));
+    vdev::put("/tmp/exact", std::string(65536, 'e'));
+    vdev::put("/tmp/big", std::string(65537, 'b'));
+    vdev::put("/tmp/empty", "");
+    ASSERT_EQ(vdev::sh("mkdir -p /tmp/dir/sub"), 0);
+    const copy_case cases[] = {
+        {"fits", "/tmp/small", "/mnt/usb1/a", "/mnt/usb1", 1, 1, false, true},
+        {"too big", "/tmp/big", "/mnt/usb1/b", "/mnt/usb1", 1, 0, true, false},
+        {"too big, quiet", "/tmp/big", "/mnt/usb1/b", "/mnt/usb1", 0, 0, false, false},
+        {"empty source", "/tmp/empty", "/mnt/usb1/c", "/mnt/usb1", 1, 0, false, false},
+        {"absent source", "/tmp/none", "/mnt/usb1/c", "/mnt/usb1", 1, 0, false, false},
+        {"not mounted", "/tmp/small", "/mnt/usb2/a", "/mnt/usb2", 1, 0, false, false},
+        {"marker after the checks", "/tmp/small", "INDEX_FULL", "/mnt/usb1", 1, 0, false, false},
+        {"marker on a full disk", "/tmp/big", "INDEX_FULL", "/mnt/usb1", 1, 0, true, false},
+        {"into no directory", "/tmp/small", "/mnt/usb1/no/such", "/mnt/usb1", 1, 0, true, false},
+        {"bad source", "/tmp/dir", "/mnt/usb1/a", "/mnt/usb1", 0, 0, false, false}, // old copy removed
+        {"unsafe name", "/tmp/small", "/mnt/usb1/x;y", "/mnt/usb1", 1, 0, false, false},
+    };
+    for (const copy_case &c : cases)
+        check_copy(c);
+    EXPECT_FALSE(vdev::exists("INDEX_FULL"));
+
+    // Free space equal to the size is enough (the disk is empty again).
+    ASSERT_EQ(vdev::sh("rm -f /mnt/usb1/*"), 0);
+    check_copy({"exact fit", "/tmp/exact", "/mnt/usb1/e", "/mnt/usb1", 1, 1, false, true});
+    EXPECT_EQ(stdout_of([] { EXPECT_EQ(vesk_disk_save_copy_file(nullptr, "/mnt/usb1/a", "/mnt/usb1", 1), 0); }),
+              "vesk_disk_save_copy_file: input error!\n");
+}
+
+TEST(Disk, CopyRefusesReadOnlyByFirstOption)
+{
+    vdev::put("/tmp/src", "data");
+    mount_disk("/dev/sdb1", "/mnt/ro", "ro,size=64k");
+    check_copy({"read-only", "/tmp/src", "/mnt/ro/a", "/mnt/ro", 1, 0, true, false});
+    check_copy({"read-only, quiet", "/tmp/src", "/mnt/ro/a", "/mnt/ro", 0, 0, false, false});
+
+    // grep finds the longer name first: its options decide.
+    mount_disk("/dev/sda10", "/mnt/usb10", "ro,size=64k");
+    mount_disk("/dev/sda1", "/mnt/usb1");
+    check_copy({"longer name earlier", "/tmp/src", "/mnt/usb1/a", "/mnt/usb1", 1, 0, true, false});
+
+    // "ro" counts only as the first option.
+    ASSERT_EQ(vdev::sh("umount /mnt/usb10 && grep -v sda10 /proc/mounts | sed 's| /mnt/usb1 tmpfs rw,| /mnt/usb1 "
+                       "tmpfs rw,ro,|' >/tmp/m && rm /proc/mounts && cp /tmp/m /proc/mounts"),
+              0);
+    ASSERT_NE(vdev::read("/proc/mounts").find("/mnt/usb1 tmpfs rw,ro,"), std::string::npos);
+    check_copy({"ro later in the list", "/tmp/src", "/mnt/usb1/a", "/mnt/usb1", 1, 1, false, true});
+}
+
+TEST(Disk, FailedCopyIsRemovedWithOrWithoutReport)
+{
+    mount_disk("/dev/sda1", "/mnt/usb1");
+    ASSERT_EQ(vdev::sh("mkdir -p /tmp/dir"), 0);
+    for (int report : {1, 0}) {
+        vdev::put("/mnt/usb1/old", "an earlier copy");
+        check_copy({"directory as source", "/tmp/dir", "/mnt/usb1/old", "/mnt/usb1", report, 0, report != 0, false});
+    }
+}
+
+} // namespace
