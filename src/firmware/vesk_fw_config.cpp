@@ -10,10 +10,7 @@
 #include "sysapi.h"
 #include "vesk_core.h"
 #include "vesk_crypt.h"
-#if __has_include("vesk_disk.h") // TEMP until disks land
 #include "vesk_disk.h"
-#define HAVE_DISK 1
-#endif
 #include "vesk_product.h"
 #include "vesk_string.h"
 
@@ -50,11 +47,7 @@ void copy_to_usb(const char *path, const char *name)
 {
     char dst[64] = {};
     snprintf(dst, sizeof dst, "%s/%s", kUsbMount, name);
-#ifdef HAVE_DISK
     vesk_disk_save_copy_file(path, dst, kUsbMount, 1);
-#else
-    CMD("cp %s %s", path, dst);
-#endif
 }
 
 } // namespace
