@@ -2,6 +2,7 @@
 #include <sys/mount.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -85,6 +86,21 @@ TEST(FwRestore, RebootOnlyWhenAskedAndNoUsbWithoutUsboot)
     EXPECT_EQ(vesk_do_restore_config(nullptr, 1), 1);
     testing::internal::GetCapturedStderr();
     EXPECT_EQ(vdev::journal(), lines{"sd_ctrl inform reboot"}); // nothing more ran
+}
+
+TEST(FwRestore, ReadOnlyUsbDiskDoesNotStopTheRestore)
+{
+    ASSERT_EQ(mkdir("/mnt/usboot", 0755), 0);
+    ASSERT_EQ(mkdir("/mnt/usb1", 0755), 0);
+    ASSERT_EQ(mount("usb1", "/mnt/usb1", "tmpfs", MS_RDONLY, "size=1m"), 0);
+    vdev::put("/tmp/restore.dat", "schedule_en=7\n");
+    vdev::clear_journal();
+    EXPECT_EQ(vesk_do_restore_config("/tmp/restore.dat", 0), 1);
+    EXPECT_EQ(quil_get_int_value("schedule_en"), 7);
+    EXPECT_FALSE(vdev::exists("/tmp/restore.dat"));
+    // Each of the two copies is reported as failed.
+    lines journal = vdev::journal();
+    EXPECT_EQ(std::count(journal.begin(), journal.end(), "led_ctl diag D5"), 2) << testing::PrintToString(journal);
 }
 
 TEST(FwBackup, MakesAUserconfigImageOfTheFirmwareVersion)
