@@ -40,6 +40,16 @@ raw_header sample(uint32_t type)
     return h;
 }
 
+// Writes raw as an image, reads it back and returns what the printer says.
+std::string printed(const raw_header &raw, vesk_fw_header *h)
+{
+    vdev::put("/tmp/img", raw.str());
+    EXPECT_EQ(vesk_get_firmware_header_info("/tmp/img", h), 1);
+    testing::internal::CaptureStderr();
+    vesk_print_firmware_header_info(h);
+    return testing::internal::GetCapturedStderr();
+}
+
 TEST(FwHeader, ReadsWordsBigEndianAndCopiesTextAndDigest)
 {
     vdev::put("/tmp/img", sample(3).str() + "payload behind the header");
@@ -105,12 +115,8 @@ TEST(FwHeader, ReadOnlyImageCannotBeOpened)
 
 TEST(FwHeader, PrintsEveryField)
 {
-    vdev::put("/tmp/img", sample(3).str());
     vesk_fw_header h;
-    ASSERT_EQ(vesk_get_firmware_header_info("/tmp/img", &h), 1);
-    testing::internal::CaptureStderr();
-    vesk_print_firmware_header_info(&h);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "------- Header Info -------\n"
+    EXPECT_EQ(printed(sample(3), &h), "------- Header Info -------\n"
                                                       "Vendor  id:  0x1234\n"
                                                       "Product id:  0x5678\n"
                                                       "Hardware id:  0x12345678\n"
@@ -131,12 +137,8 @@ TEST(FwHeader, PrintsEveryField)
 
 TEST(FwHeader, UnknownTypeRunsOnToTheNextLine)
 {
-    vdev::put("/tmp/img", sample(0x20).str());
     vesk_fw_header h;
-    ASSERT_EQ(vesk_get_firmware_header_info("/tmp/img", &h), 1);
-    testing::internal::CaptureStderr();
-    vesk_print_firmware_header_info(&h);
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("\nType: 0x20 comp_file_len:  -2\n"), std::string::npos);
+    EXPECT_NE(printed(sample(0x20), &h).find("\nType: 0x20 comp_file_len:  -2\n"), std::string::npos);
 }
 
 TEST(FwHeader, FullWidthTextsStayWithinTheirFields)
@@ -147,13 +149,9 @@ TEST(FwHeader, FullWidthTextsStayWithinTheirFields)
     memset(raw.b + 25, '9', 17);
     memset(raw.b + 46, 'V', 16);
     memset(raw.b + 86, 'T', 34);
-    vdev::put("/tmp/img", raw.str());
     vesk_fw_header h;
-    ASSERT_EQ(vesk_get_firmware_header_info("/tmp/img", &h), 1);
+    std::string out = printed(raw, &h);
     EXPECT_EQ(std::string(vesk_get_firmware_header_version(&h)), std::string(17, '9'));
-    testing::internal::CaptureStderr();
-    vesk_print_firmware_header_info(&h);
-    std::string out = testing::internal::GetCapturedStderr();
     EXPECT_NE(out.find("Version id:  " + std::string(16, 'V') + "\n"), std::string::npos) << out;
     EXPECT_NE(out.find("Code Version:  " + std::string(17, '9') + "\n"), std::string::npos) << out;
 }
