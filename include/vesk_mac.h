@@ -6,9 +6,22 @@
 #ifndef VESK_MAC_H
 #define VESK_MAC_H
 
+#include <stdint.h>
+
 #include "vesk_defs.h"
 
 VESK_BEGIN_DECLS
+
+/* One record of the vendor table: 104 bytes. */
+typedef struct vesk_oui_entry {
+    uint32_t oui;          /* 00:1A:2B is 0x001A2B; the top byte is 0 */
+    char vendor_name[100]; /* registry text as plain bytes, zero-filled */
+} vesk_oui_entry;
+
+/* The IEEE OUI registry, read-only: record 0 is a sentinel ("DUMMY", oui
+ * 0xFFFFFF) that no look-up returns, then the registry in ascending order
+ * of oui; an oui may stand on several adjacent rows. */
+VESK_API extern const vesk_oui_entry vesk_oui_list[];
 
 /* Writes mac_bin (6 bytes) as canonical text into dst_str (18 bytes).
  * Returns 17, or 0 with a message when dst_str is null. */
@@ -39,6 +52,19 @@ VESK_API int vesk_mac_bin_is_equal(const unsigned char *mac1, const unsigned cha
  * vesk_mac_is_valid_str; a text that passes but is not hexadecimal counts
  * as 00:00:00:00:00:00. */
 VESK_API int vesk_mac_is_in_range_str(const char *bound1, const char *bound2, const char *mac_str);
+
+/* Vendor of the address in mac_str (any form vesk_mac_str_2_bin takes; a
+ * text it refuses counts as 00:00:00:00:00:00). The locally administered
+ * bit is cleared before the look-up. Returns vendor_name of a row of
+ * vesk_oui_list (never to be freed or written), or null for an unknown
+ * prefix or a null mac_str. */
+VESK_API const char *vesk_mac_to_vendor_name(const char *mac_str);
+
+/* Vendor of oui_entry.oui (only that field is read), found by bisection
+ * in at most as many probes as the record count has bits. Among rows of one
+ * oui the first one probed is returned. Returns vendor_name inside
+ * vesk_oui_list, or null when the oui is not listed. */
+VESK_API const char *vesk_mac_oui_to_vendor_name(vesk_oui_entry oui_entry);
 
 VESK_END_DECLS
 

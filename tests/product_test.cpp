@@ -55,18 +55,6 @@ TEST(Product, EveryGetterAsksTheBoardForItsId)
     }
 }
 
-TEST(Product, UnknownBoardIsMatchedAgainLater)
-{
-    // A board that first reports a foreign ID is still served, and is
-    // recognised once it reports the product's own.
-    vdev::set_board("hw_id", "12345678");
-    EXPECT_EQ(vesk_product_get_index(), 0);
-    vdev::set_board("hw_id", "010E0012");
-    EXPECT_EQ(vesk_product_get_index(), 0);
-    vdev::set_board("hw_id", "12345678");
-    EXPECT_STREQ(vesk_product_get_vendor_logo(), "web_logo.image");
-}
-
 TEST(Product, SupportLanguageCountsFromOne)
 {
     const struct {

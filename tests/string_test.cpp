@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <string>
 
@@ -38,6 +39,24 @@ TEST(Text, RegMatchSearchesUnanchored)
         EXPECT_EQ(vesk_reg_match(c.pattern, c.text), c.result);
         EXPECT_EQ(GetCapturedStderr(), c.message);
     }
+}
+
+TEST(Text, RegMatchReleasesThePattern)
+{
+    // Matches, misses and patterns that do not compile: heap use stays flat.
+    auto round = [] {
+        EXPECT_EQ(vesk_reg_match("^(ab)+c$", "ababc"), 1);
+        EXPECT_EQ(vesk_reg_match("^(ab)+c$", "abab"), 0);
+        EXPECT_EQ(vesk_reg_match("(", "x"), 0);
+    };
+    CaptureStderr();
+    round(); // warms up stdio's own buffers
+    size_t before = mallinfo2().uordblks;
+    for (int i = 0; i < 1000; i++)
+        round();
+    size_t after = mallinfo2().uordblks;
+    GetCapturedStderr();
+    EXPECT_EQ(after, before);
 }
 
 TEST(Text, RegMatchSeesTheWholeText)
