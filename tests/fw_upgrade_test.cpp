@@ -103,16 +103,6 @@ TEST(FwUpgrade, MissingPartitionStillRecordsVersion)
     EXPECT_EQ(board("kver"), "9.9.9");
 }
 
-TEST(FwUpgrade, ImageTooBigForThePartitionLeavesItAlone)
-{
-    vdev::put("/proc/mtd", "dev:    size   erasesize  name\n"
-                           "mtd0: 00000010 00000010 \"Kernel\"\n");
-    vdev::put("/dev/mtd0", "old");
-    vdev::put("/tmp/k", std::string(17, 'k'));
-    EXPECT_EQ(vesk_do_image_upgrade("/tmp/k", 1, 0, "1.0.0"), 1);
-    EXPECT_EQ(vdev::read("/dev/mtd0"), "old");
-}
-
 TEST(FwUpgrade, ProgressReadsTheStatusFileOfTheLastComponent)
 {
     const struct {
