@@ -225,7 +225,9 @@ unsigned int osapi_file_size(const char *path)
     struct stat st;
     if (!path || stat(path, &st) != 0)
         return 0;
-    return st.st_size > static_cast<off_t>(UINT_MAX) ? UINT_MAX : static_cast<unsigned int>(st.st_size);
+    // off_t is a signed 32-bit word on the board: compare unsigned and wide.
+    const auto size = static_cast<unsigned long long>(st.st_size);
+    return size > UINT_MAX ? UINT_MAX : static_cast<unsigned int>(size);
 }
 
 int osapi_is_proc_pid_existed(const char *pid_file)

@@ -6,6 +6,7 @@
 #include <stdio.h>
 #include <string.h>
 
+#include "core/unique.hpp"
 #include "sysapi.h"
 
 namespace {
@@ -20,16 +21,6 @@ void format_addr(unsigned int ipaddr, char *dst)
     snprintf(dst, kAddrText, "%d.%d.%d.%d", (ipaddr >> 24) & 0xFF, (ipaddr >> 16) & 0xFF,
              (ipaddr >> 8) & 0xFF, ipaddr & 0xFF);
 }
-
-// Owner of a getaddrinfo() result list.
-struct addrinfo_list {
-    addrinfo *head = nullptr;
-    ~addrinfo_list()
-    {
-        if (head)
-            freeaddrinfo(head);
-    }
-};
 
 } // namespace
 
@@ -87,10 +78,13 @@ char *vesk_ip_get_1st_addr_info(const char *node)
     hints.ai_family = AF_INET;
     hints.ai_socktype = SOCK_DGRAM;
     hints.ai_protocol = 0;
-    addrinfo_list list;
-    if (!node || getaddrinfo(node, nullptr, &hints, &list.head) != 0 || !list.head)
+    addrinfo *head = nullptr;
+    if (!node || getaddrinfo(node, nullptr, &hints, &head) != 0)
         return nullptr;
-    auto *sin = reinterpret_cast<const sockaddr_in *>(list.head->ai_addr);
+    vesk::unique_addrinfo list(head);
+    if (!head)
+        return nullptr;
+    auto *sin = reinterpret_cast<const sockaddr_in *>(head->ai_addr);
     if (!inet_ntop(AF_INET, &sin->sin_addr, first_addr_buffer, sizeof first_addr_buffer))
         return nullptr;
     return first_addr_buffer;

@@ -7,6 +7,8 @@
 
 #include <span>
 
+#include "core/unique.hpp"
+
 namespace vesk {
 
 // Reads the next line into buf: at most buf.size() - 1 characters, newline
@@ -23,5 +25,34 @@ inline bool read_line(FILE *f, std::span<char> buf)
     }
     return true;
 }
+
+// A file opened for reading with its own line buffer of N bytes, for a
+// table read once from top to bottom.
+template <size_t N>
+class line_reader {
+    static_assert(N >= 2, "room for one character and the terminator");
+
+public:
+    explicit line_reader(const char *path) : file_(open_file(path, "r")) {}
+
+    explicit operator bool() const { return bool(file_); }
+
+    // The next line as read_line gives it, or null at the end of the file.
+    // The text stays valid until the next call.
+    char *next() { return file_ && read_line(file_.get(), line_) ? line_ : nullptr; }
+
+    // Passes over count lines (column headers); false when the file ends first.
+    bool skip(int count)
+    {
+        for (int i = 0; i < count; i++)
+            if (!next())
+                return false;
+        return true;
+    }
+
+private:
+    unique_file file_;
+    char line_[N];
+};
 
 } // namespace vesk

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <dirent.h>
+#include <netdb.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <unistd.h>
@@ -58,10 +59,16 @@ struct heap_traits {
     static void close(void *p) { ::free(p); }
 };
 
+struct addrinfo_traits {
+    static addrinfo *invalid() { return nullptr; }
+    static void close(addrinfo *a) { ::freeaddrinfo(a); }
+};
+
 using unique_fd = unique_handle<int, fd_traits>;
 using unique_file = unique_handle<FILE *, file_traits>;
 using unique_dir = unique_handle<DIR *, dir_traits>;
 using unique_heap = unique_handle<void *, heap_traits>;
+using unique_addrinfo = unique_handle<addrinfo *, addrinfo_traits>;
 
 inline unique_file open_file(const char *path, const char *mode) { return unique_file(::fopen(path, mode)); }
 

@@ -102,4 +102,10 @@ outcome in_child(void (*fn)(void *), void *arg)
     return o;
 }
 
+const char *emulator()
+{
+    const char *name = getenv("VDEV_QEMU");
+    return name ? name : "";
+}
+
 } // namespace vdev

@@ -39,4 +39,19 @@ template <typename F> outcome in_child(F &&f)
     return in_child([](void *p) { (*static_cast<F *>(p))(); }, &f);
 }
 
+// The user-mode emulator that runs this test program (a cross build's
+// suite: "qemu-mipsel"), or "" when it runs on the processor it was built
+// for. Set by the emulator line of the cross toolchain (VDEV_QEMU).
+const char *emulator();
+inline bool under_qemu() { return *emulator() != '\0'; }
+
 } // namespace vdev
+
+// Skips the current test under user-mode emulation, with the reason in the
+// output: for requests that the emulator does not pass through to the host
+// kernel (device-private ioctls, some socket families).
+#define VDEV_SKIP_UNDER_QEMU(reason)                                                               \
+    do {                                                                                           \
+        if (vdev::under_qemu())                                                                    \
+            GTEST_SKIP() << "under " << vdev::emulator() << ": " << (reason);                     \
+    } while (0)

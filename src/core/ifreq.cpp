@@ -1,0 +1,46 @@
+#include "core/ifreq.hpp"
+
+#include <errno.h>
+#include <string.h>
+#include <sys/ioctl.h>
+
+namespace vesk {
+
+bool make_ifreq(ifreq &req, const char *ifname)
+{
+    memset(&req, 0, sizeof req);
+    if (!ifname) {
+        errno = EINVAL;
+        return false;
+    }
+    size_t len = strnlen(ifname, sizeof req.ifr_name);
+    if (len == sizeof req.ifr_name) {
+        errno = ENAMETOOLONG;
+        return false;
+    }
+    memcpy(req.ifr_name, ifname, len);
+    return true;
+}
+
+unique_fd open_socket(sock_kind kind) { return unique_fd(::socket(kind.family, kind.type, kind.protocol)); }
+
+ioctl_status socket_ioctl(sock_kind kind, unsigned long request, void *arg)
+{
+    unique_fd sock = open_socket(kind);
+    if (!sock)
+        return ioctl_status::no_socket;
+    if (::ioctl(sock.get(), request, arg) < 0) {
+        int err = errno;
+        sock.reset();
+        errno = err; // close() must not hide why the request failed
+        return ioctl_status::failed;
+    }
+    return ioctl_status::ok;
+}
+
+bool query_if(const char *ifname, unsigned long request, ifreq &req)
+{
+    return make_ifreq(req, ifname) && socket_ioctl(kInetDgram, request, &req) == ioctl_status::ok;
+}
+
+} // namespace vesk
