@@ -1,0 +1,118 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <string>
+
+#include "vdev.hpp"
+#include "vesk_crypt.h"
+
+namespace {
+
+constexpr char kKeyFile[] = "/var/vesk_crypt_key_file";
+const std::string kPlain = std::string("settings\0with a zero byte\n", 26) + std::string(3000, 'x');
+
+using crypt_fn = int (*)(const char *, const char *, const char *, int);
+
+TEST(Crypt, RoundTripGivesTheInputBackOnlyWithTheSameKey)
+{
+    const std::string key64(64, 'k');
+    for (const char *key : {"", "secret", key64.c_str()}) {
+        SCOPED_TRACE(std::string("key '") + key + "'");
+        vdev::put("/tmp/plain", kPlain);
+        ASSERT_EQ(vesk_crypt_enc_file("/tmp/plain", key, "/tmp/enc", 1), 1);
+        std::string enc = vdev::read("/tmp/enc");
+        EXPECT_EQ(enc.find("settings"), std::string::npos) << "output is not encrypted";
+        EXPECT_FALSE(vdev::exists(kKeyFile));
+        EXPECT_EQ(vdev::read("/tmp/plain"), kPlain);
+
+        ASSERT_EQ(vesk_crypt_dec_file("/tmp/enc", key, "/tmp/dec", 1), 1);
+        EXPECT_EQ(vdev::read("/tmp/dec"), kPlain);
+
+        // A wrong key fails, keeps the input and has removed the old output.
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(vesk_crypt_dec_file("/tmp/enc", "other", "/tmp/dec", 0), 0);
+        EXPECT_TRUE(testing::internal::GetCapturedStderr().ends_with("\nvesk_crypt_dec_file: lockwrap command error!\n"));
+        EXPECT_TRUE(vdev::exists("/tmp/enc"));
+        EXPECT_NE(vdev::read("/tmp/dec"), kPlain);
+    }
+}
+
+TEST(Crypt, ToolGetsKeyFileModeInputOutput)
+{
+    vdev::put("/tmp/in", "abc");
+    vdev::clear_journal();
+    ASSERT_EQ(vesk_crypt_enc_file("/tmp/in", "k", "/tmp/out", 1), 1);
+    ASSERT_EQ(vesk_crypt_dec_file("/tmp/out", "k", "/tmp/back", 1), 1);
+    EXPECT_EQ(vdev::journal(), (std::vector<std::string>{
+                                   "lockwrap /var/vesk_crypt_key_file e /tmp/in /tmp/out",
+                                   "lockwrap /var/vesk_crypt_key_file d /tmp/out /tmp/back",
+                               }));
+}
+
+TEST(Crypt, BadArgumentsRunNothingAndLeaveOutputAlone)
+{
+    const std::string key65(65, 'k');
+    const struct {
+        const char *name;
+        crypt_fn fn;
+        const char *input, *key, *output;
+        const char *message;
+    } cases[] = {
+        {"null input", vesk_crypt_enc_file, nullptr, "k", "/tmp/out",
+         "vesk_crypt_enc_file: input filename/output_filename is NULL!\n"},
+        {"null output", vesk_crypt_dec_file, "/tmp/in", "k", nullptr,
+         "vesk_crypt_dec_file: input filename/output_filename is NULL!\n"},
+        {"null key", vesk_crypt_enc_file, "/tmp/in", nullptr, "/tmp/out", "vesk_crypt_enc_file: input key error!\n"},
+        {"key of 65", vesk_crypt_dec_file, "/tmp/in", key65.c_str(), "/tmp/out",
+         "vesk_crypt_dec_file: input key error!\n"},
+        {"missing input", vesk_crypt_enc_file, "/tmp/none", "k", "/tmp/out",
+         "vesk_crypt_enc_file: File [/tmp/none] does not exist!\n"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        vdev::put("/tmp/in", "abc");
+        vdev::put("/tmp/out", "old");
+        vdev::clear_journal();
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(c.fn(c.input, c.key, c.output, 0), 0);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.message);
+        EXPECT_TRUE(vdev::journal().empty());
+        EXPECT_EQ(vdev::read("/tmp/out"), "old");
+        EXPECT_EQ(vdev::read("/tmp/in"), "abc");
+    }
+}
+
+TEST(Crypt, KeepInputDecidesWhetherTheInputStays)
+{
+    for (int keep : {0, 1}) {
+        vdev::put("/tmp/in", "abc");
+        ASSERT_EQ(vesk_crypt_enc_file("/tmp/in", "k", "/tmp/out", keep), 1);
+        EXPECT_EQ(vdev::exists("/tmp/in"), keep == 1) << keep;
+        EXPECT_TRUE(vdev::exists("/tmp/out"));
+    }
+}
+
+TEST(Crypt, FailingToolLeavesKeyFileWithTheKeyBytes)
+{
+    // A directory as input makes the tool fail after the key file is written.
+    ASSERT_EQ(mkdir("/tmp/dir", 0755), 0);
+    const struct {
+        const char *key, *file;
+    } cases[] = {{"", "\n"}, {"pass word", "pass word"}, {"x", "x"}};
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.key);
+        vdev::put("/tmp/out", "old");
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(vesk_crypt_enc_file("/tmp/dir", c.key, "/tmp/out", 0), 0);
+        testing::internal::GetCapturedStderr();
+        EXPECT_EQ(vdev::read(kKeyFile), c.file);
+        EXPECT_FALSE(vdev::exists("/tmp/out"));
+        EXPECT_TRUE(vdev::exists("/tmp/dir"));
+    }
+    // The next successful call clears the stale key file.
+    vdev::put("/tmp/in", "abc");
+    EXPECT_EQ(vesk_crypt_enc_file("/tmp/in", "k", "/tmp/out", 1), 1);
+    EXPECT_FALSE(vdev::exists(kKeyFile));
+}
+
+} // namespace

@@ -1,0 +1,204 @@
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include "fake_sleep.hpp"
+#include "quil.h"
+#include "vdev.hpp"
+#include "vesk_crypt.h"
+#include "vesk_fw.h"
+#include "vesk_product.h"
+
+namespace {
+
+using lines = std::vector<std::string>;
+
+void set_number(const char *key, int v) { ASSERT_EQ(quil_set_value(&v, key), 0) << key; }
+
+// A store with keys of several prefixes.
+void fill_store()
+{
+    set_number("schedule_en", 1);
+    set_number("radio_opmode_1", 2);
+    set_number("radio_opmode_2", 3);
+    set_number("scheduleS_en", 4);
+}
+
+TEST(FwRestore, PrefixListTokensGoToTheStoreBeforeTheFileIsReplaced)
+{
+    const struct {
+        const char *name;
+        const char *list; // nullptr: no list
+        const char *printed;
+        lines new_keys; // keys in quil_new.dat; {"old"} for the untouched file
+    } cases[] = {
+        {"no list", nullptr, "", {"old"}},
+        {"empty list", "", "", {}},
+        {"two lines", "radio\r\nscheduleS\n", "buf [radio]\nbuf [scheduleS]\n",
+         {"radio_opmode_1", "radio_opmode_2", "scheduleS_en"}},
+        {"long line comes in pieces", "radio_opmode_1xxxxxxxxxxxxxxxxxxxxxxxxxx\n",
+         "buf [radio_opmode_1xxxxxxxxxxxxxxx]\nbuf [xxxxxxxxxxx]\n", {}},
+        {"last line without end", "schedule_en", "buf [schedule_en]\n", {"schedule_en"}},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        vdev::put(QUIL_DAT_FILE, "");
+        fill_store();
+        vdev::put(QUIL_NEW_DAT_FILE, "old=1\n");
+        vdev::remove("/storage/prefix_list");
+        if (c.list)
+            vdev::put("/storage/prefix_list", c.list);
+        vdev::put("/tmp/restore.dat", "schedule_en=0\n");
+
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(vesk_do_restore_config("/tmp/restore.dat", 0), 1);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.printed);
+
+        std::string new_dat = vdev::read(QUIL_NEW_DAT_FILE);
+        lines keys;
+        for (size_t at = 0; at < new_dat.size(); at = new_dat.find('\n', at) + 1)
+            keys.push_back(new_dat.substr(at, new_dat.find('=', at) - at));
+        EXPECT_EQ(keys, c.new_keys);
+        EXPECT_FALSE(vdev::exists("/storage/prefix_list"));
+        EXPECT_EQ(vdev::read(QUIL_DAT_FILE), "schedule_en=0\n");
+        EXPECT_EQ(quil_get_int_value("schedule_en"), 0);
+        EXPECT_FALSE(vdev::exists("/tmp/restore.dat"));
+    }
+}
+
+TEST(FwRestore, RebootOnlyWhenAskedAndNoUsbWithoutUsboot)
+{
+    ASSERT_EQ(mkdir("/mnt/usb1", 0755), 0);
+    for (int reboot : {0, 1}) {
+        SCOPED_TRACE(reboot);
+        vdev::put("/tmp/restore.dat", "x");
+        vdev::clear_journal();
+        EXPECT_EQ(vesk_do_restore_config("/tmp/restore.dat", reboot), 1);
+        EXPECT_EQ(vdev::journal(), reboot ? lines{"sd_ctrl inform reboot"} : lines{});
+        EXPECT_FALSE(vdev::exists("/tmp/restore.dat"));
+        EXPECT_EQ(vdev::sh("[ -z \"$(ls -A /mnt/usb1)\" ]"), 0);
+    }
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(vesk_do_restore_config(nullptr, 1), 1);
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(vdev::journal(), lines{"sd_ctrl inform reboot"}); // nothing more ran
+}
+
+TEST(FwRestore, ReadOnlyUsbDiskDoesNotStopTheRestore)
+{
+    ASSERT_EQ(mkdir("/mnt/usboot", 0755), 0);
+    ASSERT_EQ(mkdir("/mnt/usb1", 0755), 0);
+    ASSERT_EQ(mount("usb1", "/mnt/usb1", "tmpfs", MS_RDONLY, "size=1m"), 0);
+    vdev::put("/tmp/restore.dat", "schedule_en=7\n");
+    vdev::clear_journal();
+    EXPECT_EQ(vesk_do_restore_config("/tmp/restore.dat", 0), 1);
+    EXPECT_EQ(quil_get_int_value("schedule_en"), 7);
+    EXPECT_FALSE(vdev::exists("/tmp/restore.dat"));
+    // Each of the two copies is reported as failed.
+    lines journal = vdev::journal();
+    EXPECT_EQ(std::count(journal.begin(), journal.end(), "led_ctl diag D5"), 2) << testing::PrintToString(journal);
+}
+
+TEST(FwBackup, MakesAUserconfigImageOfTheFirmwareVersion)
+{
+    fill_store();
+    const std::string before = vdev::read(QUIL_DAT_FILE);
+    for (const char *key : {"secret", ""}) {
+        SCOPED_TRACE(key);
+        vdev::remove("/tmp/user.conf");
+        vdev::clear_journal();
+        EXPECT_EQ(vesk_do_backup_config(key), 1);
+        EXPECT_EQ(vdev::journal(), (lines{"lockwrap /var/vesk_crypt_key_file e /storage/quil.dat /tmp/ap_cfg",
+                                          "header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"}));
+        EXPECT_EQ(vdev::read(QUIL_DAT_FILE), before);
+        EXPECT_FALSE(vdev::exists("/tmp/ap_cfg"));
+
+        vesk_fw_header h;
+        ASSERT_EQ(vesk_get_firmware_header_info("/tmp/user.conf", &h), 1);
+        EXPECT_EQ(h.type, 7u);
+        EXPECT_STREQ(vesk_get_firmware_header_version(&h), vesk_product_get_fw_version());
+        EXPECT_EQ(vesk_get_firmware_header_version_dec(&h), vesk_product_get_fw_version_dec());
+        EXPECT_EQ(h.hardware_id, 0x010E0012u);
+        EXPECT_EQ(vdev::read("/tmp/user.conf").find("schedule_en"), std::string::npos) << "not encrypted";
+    }
+}
+
+TEST(FwBackup, RefusedKeyLeavesNoImage)
+{
+    const std::string key65(65, 'k');
+    vdev::clear_journal();
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(vesk_do_backup_config(key65.c_str()), 1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "vesk_crypt_enc_file: input key error!\n");
+    EXPECT_EQ(vdev::journal(), lines{"header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"});
+    EXPECT_FALSE(vdev::exists("/tmp/user.conf"));
+    EXPECT_TRUE(vdev::exists(QUIL_DAT_FILE));
+}
+
+// The whole path a management page takes: back up, take the image apart,
+// hand it to the upgrade, find the store as it was.
+TEST(FwPath, BackupRestoresThroughTheFlashEvent)
+{
+    for (bool usboot : {false, true}) {
+        SCOPED_TRACE(usboot ? "USB boot" : "flash boot");
+        if (usboot) {
+            ASSERT_EQ(mkdir("/mnt/usboot", 0755), 0);
+            ASSERT_EQ(mkdir("/mnt/usb1", 0755), 0);
+            ASSERT_EQ(mount("usb1", "/mnt/usb1", "tmpfs", 0, "size=1m"), 0);
+            vdev::put("/mnt/usb1/.quil_new.dat", "stale");
+        }
+        vdev::put(QUIL_DAT_FILE, "");
+        fill_store();
+        const std::string saved = vdev::read(QUIL_DAT_FILE);
+        ASSERT_EQ(vesk_do_backup_config("pass"), 1);
+
+        set_number("schedule_en", 0);
+        set_number("radio_opmode_2", 9);
+
+        vesk_fw_header h;
+        ASSERT_EQ(vesk_get_firmware_header_info("/tmp/user.conf", &h), 1);
+        testing::internal::CaptureStderr();
+        ASSERT_EQ(vesk_decode_firmware("/tmp/user.conf"), 1);
+        ASSERT_EQ(vesk_crypt_dec_file("/tmp/user.conf", "pass", "/tmp/restore.dat", 0), 1);
+        fake_sleep::reset();
+        vdev::clear_journal();
+        EXPECT_EQ(vesk_flash_event_handle("/tmp/restore.dat", &h, 1), 1);
+        testing::internal::GetCapturedStderr();
+
+        EXPECT_EQ(vdev::read(QUIL_DAT_FILE), saved);
+        EXPECT_EQ(quil_get_int_value("schedule_en"), 1);
+        EXPECT_EQ(quil_get_int_value("radio_opmode_2"), 3);
+        EXPECT_FALSE(vdev::exists("/tmp/restore.dat"));
+        EXPECT_FALSE(vdev::exists("/tmp/user.conf"));
+        EXPECT_EQ(vdev::journal().back(), "sd_ctrl inform reboot");
+        EXPECT_EQ(fake_sleep::calls, 0u);
+        if (usboot) {
+            EXPECT_EQ(vdev::read("/mnt/usb1/.quil.dat"), saved);
+            EXPECT_EQ(vdev::read("/mnt/usb1/.quil_new.dat"), saved);
+        }
+    }
+}
+
+TEST(FwPath, KernelImageReachesFlashAndKver)
+{
+    vdev::put("/tmp/payload", std::string(5000, 'K'));
+    ASSERT_EQ(vdev::sh("header -s /tmp/payload -d /tmp/fw.bin -a -t Kernel -c 2.3.4 >/dev/null"), 0);
+    vesk_fw_header h;
+    ASSERT_EQ(vesk_get_firmware_header_info("/tmp/fw.bin", &h), 1);
+    EXPECT_EQ(h.type, 3u);
+    EXPECT_EQ(vesk_get_firmware_header_version_dec(&h), 20304u);
+    testing::internal::CaptureStderr();
+    ASSERT_EQ(vesk_decode_firmware("/tmp/fw.bin"), 1);
+    testing::internal::GetCapturedStderr();
+    fake_sleep::reset();
+    EXPECT_EQ(vesk_flash_event_handle("/tmp/fw.bin", &h, 0), 1);
+    EXPECT_EQ(vdev::read("/dev/mtd3"), std::string(5000, 'K'));
+    EXPECT_NE(vdev::read("/run/vdev/board.conf").find("\nkver=2.3.4\n"), std::string::npos);
+    EXPECT_EQ(fake_sleep::slept_us, 3000000ull);
+}
+
+} // namespace

@@ -1,0 +1,145 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "fake_sleep.hpp"
+#include "vdev.hpp"
+#include "vesk_fw.h"
+
+namespace {
+
+using lines = std::vector<std::string>;
+
+vesk_fw_header header_of(uint32_t type, const char *version = "1.2.3")
+{
+    vesk_fw_header h = {};
+    h.type = type;
+    strcpy(h.code_version, version);
+    return h;
+}
+
+std::string board(const std::string &key)
+{
+    std::string conf = vdev::read("/run/vdev/board.conf");
+    size_t at = conf.find("\n" + key + "=");
+    if (at == std::string::npos)
+        return "";
+    at += key.size() + 2;
+    return conf.substr(at, conf.find('\n', at) - at);
+}
+
+TEST(FwUpgrade, KernelGoesToItsPartitionAndBecomesKver)
+{
+    for (int reboot : {0, 1}) {
+        SCOPED_TRACE(reboot);
+        vdev::put("/tmp/kernel.bin", "kernel image " + std::to_string(reboot));
+        vdev::clear_journal();
+        fake_sleep::reset();
+        vesk_fw_header h = header_of(3, reboot ? "2.0.1" : "1.2.3");
+        EXPECT_EQ(vesk_flash_event_handle("/tmp/kernel.bin", &h, reboot), 1);
+        lines want = {"flashcp -v /tmp/kernel.bin /dev/mtd3", std::string("board_config set kver ") + h.code_version};
+        if (reboot)
+            want.push_back("sd_ctrl inform reboot");
+        EXPECT_EQ(vdev::journal(), want);
+        EXPECT_EQ(vdev::read("/dev/mtd3"), "kernel image " + std::to_string(reboot));
+        EXPECT_EQ(board("kver"), h.code_version);
+        EXPECT_EQ(fake_sleep::calls, 2u);
+        EXPECT_EQ(fake_sleep::slept_us, 3000000ull);
+    }
+}
+
+TEST(FwUpgrade, OtherTypesDoNothingAndUnknownTypesFail)
+{
+    const struct {
+        uint32_t type;
+        int result;
+        const char *message;
+    } cases[] = {
+        {1, 1, ""},
+        {11, 1, ""},
+        {13, 1, ""},
+        {5, 0, "Err: vesk_flash_event_handle wrong type: 5\n"},
+        {0, 0, "Err: vesk_flash_event_handle wrong type: 0\n"},
+        {0x80000000u, 0, "Err: vesk_flash_event_handle wrong type: -2147483648\n"},
+    };
+    vdev::put("/tmp/img", "image");
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.type);
+        vdev::clear_journal();
+        fake_sleep::reset();
+        vesk_fw_header h = header_of(c.type);
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(vesk_flash_event_handle("/tmp/img", &h, 1), c.result);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.message);
+        EXPECT_TRUE(vdev::journal().empty());
+        EXPECT_EQ(fake_sleep::calls, 0u);
+        EXPECT_TRUE(vdev::exists("/tmp/img"));
+    }
+    vesk_fw_header h = header_of(3);
+    EXPECT_EQ(vesk_flash_event_handle(nullptr, &h, 0), 0);
+    EXPECT_EQ(vesk_flash_event_handle("/tmp/img", nullptr, 0), 0);
+    EXPECT_TRUE(vdev::journal().empty());
+}
+
+TEST(FwUpgrade, MissingPartitionStillRecordsVersion)
+{
+    // A failed write goes on to kver; the device tool refuses /dev/mtd-1.
+    vdev::put("/proc/mtd", "dev:    size   erasesize  name\n"
+                           "mtd0: 00030000 00010000 \"Bootloader\"\n");
+    vdev::put("/tmp/k", "k");
+    const struct {
+        const char *name;
+        int index;
+    } cases[] = {{"no Kernel partition", 1}, {"index past the table", 5}, {"negative index", -1}};
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        vdev::clear_journal();
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(vesk_do_image_upgrade("/tmp/k", c.index, 0, "9.9.9"), 1);
+        testing::internal::GetCapturedStderr();
+        EXPECT_EQ(vdev::journal(), (lines{"flashcp -v /tmp/k /dev/mtd-1", "board_config set kver 9.9.9"}));
+    }
+    EXPECT_EQ(board("kver"), "9.9.9");
+}
+
+TEST(FwUpgrade, ProgressReadsTheStatusFileOfTheLastComponent)
+{
+    const struct {
+        const char *content; // nullptr: no file
+        int result, percent;
+    } cases[] = {
+        {"42\n", 42, 42}, {"0", 0, 0},    {"100\n", 100, 100}, {"abc", -1, 7},
+        {"", -1, 7},      {"-5\n", -5, 7}, {nullptr, 0, 7},    {" 12 percent", 12, 12},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.content ? c.content : "(no file)");
+        vdev::remove("/var/fw.bin.stat");
+        if (c.content)
+            vdev::put("/var/fw.bin.stat", c.content);
+        char name[] = "/tmp/up/fw.bin//";
+        int percent = 7;
+        EXPECT_EQ(vesk_firmware_get_upgrade_progress(name, &percent), c.result);
+        EXPECT_EQ(percent, c.percent);
+        EXPECT_STREQ(name, "/tmp/up/fw.bin");
+    }
+}
+
+TEST(FwUpgrade, ProgressRefusesNamesItCannotHold)
+{
+    int percent = 7;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(vesk_firmware_get_upgrade_progress(nullptr, &percent), -1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "vesk_firmware_get_upgrade_progress: input error!\n");
+
+    // 125 characters fit the 136-byte path, 126 do not.
+    for (size_t len : {125u, 126u}) {
+        std::string name(len, 'n');
+        vdev::put("/var/" + name.substr(0, 125) + ".stat", "33\n");
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(vesk_firmware_get_upgrade_progress(name.data(), &percent), len == 125 ? 33 : -1) << len;
+        testing::internal::GetCapturedStderr();
+    }
+}
+
+} // namespace
