@@ -74,10 +74,16 @@ const key_spec *find_spec(const char *key)
 
 int value_size(const key_spec &k) { return k.size ? k.size : static_cast<int>(sizeof(int)); }
 
-bool format_key(char (&key)[kMaxKey + 1], const char *format, va_list ap)
+// Formats the key and finds it in the key table; null, with a message, for
+// a key that is too long or not in the table.
+const key_spec *resolve(char (&key)[kMaxKey + 1], const char *format, va_list ap)
 {
     int n = vsnprintf(key, sizeof key, format, ap);
-    return n > 0 && n <= kMaxKey;
+    bool formatted = n > 0 && n <= kMaxKey;
+    const key_spec *k = formatted ? find_spec(key) : nullptr;
+    if (!k)
+        T_PRINTF("quil: unknown key [%s]\n", formatted ? key : format);
+    return k;
 }
 
 int hexval(char c)
@@ -219,13 +225,10 @@ int quil_get_value(void *dest, const char *key_format, ...)
     char key[kMaxKey + 1];
     va_list ap;
     va_start(ap, key_format);
-    bool ok = format_key(key, key_format, ap);
+    const key_spec *k = resolve(key, key_format, ap);
     va_end(ap);
-    const key_spec *k = ok ? find_spec(key) : nullptr;
-    if (!k) {
-        T_PRINTF("quil: unknown key [%s]\n", ok ? key : key_format);
+    if (!k)
         return 0;
-    }
     unsigned char value[kMaxRecord];
     if (!lookup(QUIL_DAT_FILE, key, *k, value))
         return 0;
@@ -240,11 +243,12 @@ int quil_get_int_value(const char *key_format, ...)
     char key[kMaxKey + 1];
     va_list ap;
     va_start(ap, key_format);
-    bool ok = format_key(key, key_format, ap);
+    const key_spec *k = resolve(key, key_format, ap);
     va_end(ap);
-    const key_spec *k = ok ? find_spec(key) : nullptr;
-    if (!k || k->size) {
-        T_PRINTF("quil: [%s] is not a number key\n", ok ? key : key_format);
+    if (!k)
+        return 0;
+    if (k->size) {
+        T_PRINTF("quil: [%s] is not a number key\n", key);
         return 0;
     }
     int v = 0;

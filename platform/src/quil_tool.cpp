@@ -18,14 +18,21 @@ int usage()
     return 2;
 }
 
+// Size of the key's value; 0, with a message, for an unknown key.
+int key_size(const char *key, int *is_number)
+{
+    int size = quil_key_info(key, is_number);
+    if (!size)
+        fprintf(stderr, "quil: unknown key %s\n", key);
+    return size;
+}
+
 int get(const char *key)
 {
     int is_number = 0;
-    int size = quil_key_info(key, &is_number);
-    if (!size) {
-        fprintf(stderr, "quil: unknown key %s\n", key);
+    int size = key_size(key, &is_number);
+    if (!size)
         return 1;
-    }
     unsigned char value[128] = {};
     if (!quil_get_value(value, "%s", key))
         return 1;
@@ -44,11 +51,9 @@ int get(const char *key)
 int set(const char *key, const char *text)
 {
     int is_number = 0;
-    int size = quil_key_info(key, &is_number);
-    if (!size) {
-        fprintf(stderr, "quil: unknown key %s\n", key);
+    int size = key_size(key, &is_number);
+    if (!size)
         return 1;
-    }
     unsigned char value[128] = {};
     if (is_number) {
         char *end;

@@ -59,6 +59,20 @@ int run_shell(const char *line, int out_fd, pid_t *child)
     return rc == 0 ? 0 : kCouldNotRun;
 }
 
+// Formats the command line and starts it; the child's pid, or -1 when it
+// could not be started.
+pid_t start_command(int out_fd, const char *format, va_list ap)
+{
+    if (!format)
+        return -1;
+    unique_heap line = format_command(format, ap);
+    if (!line)
+        return -1;
+    fflush(nullptr); // keep the caller's buffered output ahead of the child's
+    pid_t child;
+    return run_shell(static_cast<const char *>(line.get()), out_fd, &child) == 0 ? child : -1;
+}
+
 // Waits for the child. Returns its wait status; -1 when it cannot be had
 // (SIGCHLD ignored by the caller reaps the child itself).
 int wait_child(pid_t child)
@@ -86,17 +100,11 @@ extern "C" {
 
 int CMD(const char *format, ...)
 {
-    if (!format)
-        return kCouldNotRun;
     va_list ap;
     va_start(ap, format);
-    unique_heap line = format_command(format, ap);
+    pid_t child = start_command(-1, format, ap);
     va_end(ap);
-    if (!line)
-        return kCouldNotRun;
-    fflush(nullptr); // keep the caller's buffered output ahead of the child's
-    pid_t child;
-    if (run_shell(static_cast<const char *>(line.get()), -1, &child) != 0)
+    if (child < 0)
         return kCouldNotRun;
     int status = wait_child(child);
     return status < 0 ? 0 : exit_code(status);
@@ -104,22 +112,17 @@ int CMD(const char *format, ...)
 
 int sysinteract(char *buf, int size, const char *format, ...)
 {
-    if (!buf || size <= 0 || !format)
+    if (!buf || size <= 0)
         return kCouldNotRun;
-    va_list ap;
-    va_start(ap, format);
-    unique_heap line = format_command(format, ap);
-    va_end(ap);
-    if (!line)
-        return kCouldNotRun;
-
     int fds[2];
     if (pipe2(fds, O_CLOEXEC) != 0)
         return kCouldNotRun;
     unique_fd rd(fds[0]), wr(fds[1]);
-    fflush(nullptr);
-    pid_t child;
-    if (run_shell(static_cast<const char *>(line.get()), wr.get(), &child) != 0)
+    va_list ap;
+    va_start(ap, format);
+    pid_t child = start_command(wr.get(), format, ap);
+    va_end(ap);
+    if (child < 0)
         return kCouldNotRun;
     wr.reset();
 

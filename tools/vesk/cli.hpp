@@ -26,5 +26,7 @@ bool parse_int(const char *text, int *out);
 
 // Prints a returned text, or "(null)" for a null pointer.
 int print_text(const char *text);
+// Prints a returned number on a line of its own; returns 0.
+int print_int(int value);
 
 } // namespace cli

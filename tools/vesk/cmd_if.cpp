@@ -7,12 +7,6 @@
 
 namespace {
 
-int print_int(int value)
-{
-    printf("%d\n", value);
-    return 0;
-}
-
 int hwaddr(int, char **argv)
 {
     unsigned char mac[6];
@@ -28,11 +22,11 @@ int ip(int, char **argv) { return cli::print_text(vesk_if_get_ip(argv[0])); }
 int dst(int, char **argv) { return cli::print_text(vesk_if_get_dst_ip(argv[0])); }
 int mask(int, char **argv) { return cli::print_text(vesk_if_get_mask(argv[0])); }
 int subnet(int, char **argv) { return cli::print_text(vesk_if_get_subnet(argv[0])); }
-int exists(int, char **argv) { return print_int(vesk_if_is_existed(argv[0])); }
-int ip_ready(int, char **argv) { return print_int(vesk_if_is_ip_ready(argv[0])); }
-int up(int, char **argv) { return print_int(vesk_if_is_up(argv[0])); }
-int index(int, char **argv) { return print_int(vesk_if_get_index(argv[0])); }
-int mtu(int, char **argv) { return print_int(vesk_if_get_mtu(argv[0])); }
+int exists(int, char **argv) { return cli::print_int(vesk_if_is_existed(argv[0])); }
+int ip_ready(int, char **argv) { return cli::print_int(vesk_if_is_ip_ready(argv[0])); }
+int up(int, char **argv) { return cli::print_int(vesk_if_is_up(argv[0])); }
+int index(int, char **argv) { return cli::print_int(vesk_if_get_index(argv[0])); }
+int mtu(int, char **argv) { return cli::print_int(vesk_if_get_mtu(argv[0])); }
 
 int lan_state(int, char **argv)
 {
@@ -41,10 +35,10 @@ int lan_state(int, char **argv)
         fprintf(stderr, "vesk if lan-state: %s is not a number\n", argv[1]);
         return 2;
     }
-    return print_int(vesk_if_set_lan_state(argv[0], state));
+    return cli::print_int(vesk_if_set_lan_state(argv[0], state));
 }
 
-int hostname(int argc, char **argv) { return print_int(vesk_net_set_hostname(argc > 0 ? argv[0] : "")); }
+int hostname(int argc, char **argv) { return cli::print_int(vesk_net_set_hostname(argc > 0 ? argv[0] : "")); }
 
 int host_ip(int argc, char **argv)
 {

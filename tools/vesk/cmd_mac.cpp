@@ -5,12 +5,6 @@
 
 namespace {
 
-int print_int(int value)
-{
-    printf("%d\n", value);
-    return 0;
-}
-
 int canonical(int, char **argv)
 {
     unsigned char mac[6];
@@ -23,7 +17,7 @@ int canonical(int, char **argv)
     return cli::print_text(text);
 }
 
-int valid(int, char **argv) { return print_int(vesk_mac_is_valid_str(argv[0])); }
+int valid(int, char **argv) { return cli::print_int(vesk_mac_is_valid_str(argv[0])); }
 
 int add_colon(int, char **argv)
 {
@@ -42,10 +36,10 @@ int equal(int, char **argv)
         fprintf(stderr, "vesk mac equal: two MAC addresses, please\n");
         return 2;
     }
-    return print_int(vesk_mac_bin_is_equal(a, b));
+    return cli::print_int(vesk_mac_bin_is_equal(a, b));
 }
 
-int in_range(int, char **argv) { return print_int(vesk_mac_is_in_range_str(argv[0], argv[1], argv[2])); }
+int in_range(int, char **argv) { return cli::print_int(vesk_mac_is_in_range_str(argv[0], argv[1], argv[2])); }
 
 int vendor(int, char **argv) { return cli::print_text(vesk_mac_to_vendor_name(argv[0])); }
 

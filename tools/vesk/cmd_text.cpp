@@ -6,16 +6,10 @@
 
 namespace {
 
-int print_int(int value)
-{
-    printf("%d\n", value);
-    return 0;
-}
-
 // A character argument is its first byte; "" is the terminator.
 char char_arg(const char *arg) { return arg[0]; }
 
-int match(int, char **argv) { return print_int(vesk_reg_match(argv[0], argv[1])); }
+int match(int, char **argv) { return cli::print_int(vesk_reg_match(argv[0], argv[1])); }
 
 int hexdump(int argc, char **argv)
 {
@@ -42,7 +36,7 @@ int replace_char(int, char **argv)
     return 0;
 }
 
-int char_value(int, char **argv) { return print_int(vesk_char_to_int(char_arg(argv[0]))); }
+int char_value(int, char **argv) { return cli::print_int(vesk_char_to_int(char_arg(argv[0]))); }
 
 int component(int, char **argv)
 {
@@ -63,7 +57,7 @@ int itoa(int, char **argv)
 int url_cmp(int, char **argv)
 {
     int r = vesk_url_cmp(argv[0], argv[1]);
-    return print_int((r > 0) - (r < 0));
+    return cli::print_int((r > 0) - (r < 0));
 }
 
 int msb(int, char **argv)
@@ -73,7 +67,7 @@ int msb(int, char **argv)
         fprintf(stderr, "vesk text msb: %s is not a number\n", argv[0]);
         return 2;
     }
-    return print_int(vesk_math_msb32(value));
+    return cli::print_int(vesk_math_msb32(value));
 }
 
 constexpr cli::command kCommands[] = {

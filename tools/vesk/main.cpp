@@ -68,6 +68,12 @@ int print_text(const char *text)
     return text ? 0 : 1;
 }
 
+int print_int(int value)
+{
+    printf("%d\n", value);
+    return 0;
+}
+
 } // namespace cli
 
 int main(int argc, char **argv)
