@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <string>
@@ -34,16 +33,10 @@ TEST(FileText, AppendFormatsAndAddsNoNewline)
     vesk_file_text_append(kLog, "%s=%d\n", "rssi", -42);
     vesk_file_text_append(kLog, "100%% %s", "done");
     vesk_file_text_append(kLog, "%s", std::string(300, 'y').c_str());
-    EXPECT_EQ(GetCapturedStderr(), "[rssi=-42\n]\n[100% done]\n[" + std::string(255, 'y') + "]\n");
-    EXPECT_EQ(vdev::read(kLog), "old\nrssi=-42\n100% done" + std::string(255, 'y'));
-}
-
-TEST(FileText, AppendToAnUnopenablePathLosesTheLineQuietly)
-{
-    CaptureStderr();
-    vesk_file_text_append("/var/no/such/dir/x.log", "lost\n");
+    vesk_file_text_append("/var/no/such/dir/x.log", "lost\n"); // lost quietly
     vesk_file_text_append("/var/log/null.log", nullptr);
-    EXPECT_EQ(GetCapturedStderr(), "[lost\n]\n[]\n");
+    EXPECT_EQ(GetCapturedStderr(), "[rssi=-42\n]\n[100% done]\n[" + std::string(255, 'y') + "]\n[lost\n]\n[]\n");
+    EXPECT_EQ(vdev::read(kLog), "old\nrssi=-42\n100% done" + std::string(255, 'y'));
     EXPECT_FALSE(vdev::exists("/var/no/such/dir/x.log"));
     EXPECT_EQ(vdev::read("/var/log/null.log"), "");
 }
@@ -52,63 +45,34 @@ TEST(FileText, AssertionsEndTheProcess)
 {
     const char *range = "VESK_ASSERT FAILED 'i_max_line>=0 && i_line_to_free>=0 && i_max_line>=i_line_to_free' "
                         "vesk_file_text_truncate vesk_file.cpp:79\n";
-    const struct {
-        const char *name;
-        void (*call)();
-        std::string out;
-    } cases[] = {
-        {"append to null", [] { vesk_file_text_append(nullptr, "x%d\n", 1); },
+    const struct { void (*call)(); std::string out; } cases[] = {
+        {[] { vesk_file_text_append(nullptr, "x%d\n", 1); },
          "VESK_ASSERT FAILED 'filename!=NULL' vesk_file_text_append vesk_file.cpp:44\n"},
-        {"truncate null", [] { vesk_file_text_truncate(nullptr, nullptr, 10, 1); },
+        {[] { vesk_file_text_truncate(nullptr, nullptr, 10, 1); },
          "VESK_ASSERT FAILED 'filename!=NULL' vesk_file_text_truncate vesk_file.cpp:78\n"},
-        {"negative maximum", [] { vesk_file_text_truncate(kLog, nullptr, -1, 0); }, range},
-        {"negative to free", [] { vesk_file_text_truncate(kLog, nullptr, 10, -1); }, range},
-        {"more to free than the maximum", [] { vesk_file_text_truncate(kLog, nullptr, 5, 6); }, range},
+        {[] { vesk_file_text_truncate(kLog, nullptr, -1, 0); }, range},
+        {[] { vesk_file_text_truncate(kLog, nullptr, 10, -1); }, range},
+        {[] { vesk_file_text_truncate(kLog, nullptr, 5, 6); }, range},
     };
     vdev::put(kLog, numbered(1, 20));
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
         vdev::outcome o = vdev::in_child([&] { c.call(); });
-        EXPECT_EQ(o.status, 1);
+        EXPECT_EQ(o.status, 1) << c.out;
         EXPECT_EQ(o.out, c.out);
-        EXPECT_EQ(o.err, ""); // nothing printed before the test
+        EXPECT_EQ(o.err, "") << c.out; // nothing printed before the test
     }
     EXPECT_EQ(vdev::read(kLog), numbered(1, 20));
 }
 
-TEST(FileText, TruncateKeepsTheLastLines)
-{
-    const struct {
-        const char *name;
-        int lines, max, to_free;
-        int first_kept; // lines from first_kept to the end stay; 1 keeps all
-    } cases[] = {
-        {"at the maximum the file stays", 1000, 1000, 100, 1},
-        {"one past the maximum keeps max - free", 1001, 1000, 100, 102},
-        {"nothing to free keeps exactly max", 12, 10, 0, 3},
-        {"free equal to max empties it", 11, 10, 10, 12},
-        {"zero maximum empties any file", 1, 0, 0, 2},
-        {"far past the maximum", 50, 10, 3, 44},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
-        vdev::put(kLog, numbered(1, c.lines));
-        vdev::put(kWork, "stale\n");
-        EXPECT_EQ(vesk_file_text_truncate(kLog, nullptr, c.max, c.to_free), 1);
-        EXPECT_EQ(vdev::read(kLog), numbered(c.first_kept, c.lines));
-        EXPECT_FALSE(vdev::exists(kWork)); // removed, cut or not
-    }
-}
-
-TEST(FileText, TruncateCopiesLinesByteForByte)
+TEST(FileText, TruncateKeepsTheLastLinesByteForByte)
 {
     const std::string longline = std::string(300, 'L') + "\n";
-    const struct {
-        const char *name;
-        std::string file;
-        int max, to_free;
-        std::string kept;
-    } cases[] = {
+    const struct { const char *name; std::string file; int max, to_free; std::string kept; } cases[] = {
+        {"at the maximum the file stays", numbered(1, 1000), 1000, 100, numbered(1, 1000)},
+        {"one past the maximum keeps max - free", numbered(1, 1001), 1000, 100, numbered(102, 1001)},
+        {"nothing to free keeps exactly max", numbered(1, 12), 10, 0, numbered(3, 12)},
+        {"free equal to max empties it", numbered(1, 11), 10, 10, ""},
+        {"zero maximum empties any file", numbered(1, 1), 0, 0, ""},
         {"percent signs", "a\n%s %d %n\n100%\n", 2, 0, "%s %d %n\n100%\n"},
         {"last line without newline", "a\nb\nc", 2, 1, "c"},
         // n counts the long line once, the copy loop twice: one more line survives.
@@ -119,8 +83,10 @@ TEST(FileText, TruncateCopiesLinesByteForByte)
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
         vdev::put(kLog, c.file);
+        vdev::put(kWork, "stale\n");
         EXPECT_EQ(vesk_file_text_truncate(kLog, nullptr, c.max, c.to_free), 1);
         EXPECT_EQ(vdev::read(kLog), c.kept);
+        EXPECT_FALSE(vdev::exists(kWork)); // removed, cut or not
     }
 }
 
@@ -133,56 +99,38 @@ TEST(FileText, BackupKeepsTheWholeOldFile)
     EXPECT_EQ(vdev::read(kLog), numbered(6, 8));
     EXPECT_EQ(vdev::read(bak), numbered(1, 8));
     EXPECT_EQ(vdev::read(kWork), "stale\n"); // only a null backup uses the work file
-
-    // Within the bound the backup is neither written nor removed.
-    EXPECT_EQ(vesk_file_text_truncate(kLog, bak, 5, 2), 1);
+    EXPECT_EQ(vesk_file_text_truncate(kLog, bak, 5, 2), 1); // within the bound: backup left alone
     EXPECT_EQ(vdev::read(bak), numbered(1, 8));
-
-    // A second cut replaces it.
-    vdev::put(kLog, numbered(20, 26));
+    vdev::put(kLog, numbered(20, 26)); // a second cut replaces it
     EXPECT_EQ(vesk_file_text_truncate(kLog, bak, 5, 2), 1);
     EXPECT_EQ(vdev::read(kLog), numbered(24, 26));
     EXPECT_EQ(vdev::read(bak), numbered(20, 26));
-}
 
-TEST(FileText, AbsentFileRunsNothing)
-{
-    vdev::put(kWork, "stale\n");
     EXPECT_EQ(vesk_file_text_truncate("/var/log/absent.log", nullptr, 0, 0), 1);
     EXPECT_FALSE(vdev::exists("/var/log/absent.log"));
-    EXPECT_EQ(vdev::read(kWork), "stale\n");
+    EXPECT_EQ(vdev::read(kWork), "stale\n") << "an absent file runs nothing";
 }
 
 TEST(FileText, FailedMoveLeavesTheFile)
 {
     vdev::put(kLog, numbered(1, 8));
-    // No directory for the backup.
-    EXPECT_EQ(vesk_file_text_truncate(kLog, "/var/none/vesk.bak", 5, 2), 1);
+    EXPECT_EQ(vesk_file_text_truncate(kLog, "/var/none/vesk.bak", 5, 2), 1); // no directory for the backup
     EXPECT_EQ(vdev::read(kLog), numbered(1, 8));
-    // The backup names a directory in which the move is refused: what that
-    // directory holds must not be copied over the file.
+    // The move into this directory is refused: what it holds must not be copied over the file.
     ASSERT_EQ(vdev::sh("mkdir -p /var/bak/vesk.log/sub"), 0);
     EXPECT_EQ(vesk_file_text_truncate(kLog, "/var/bak", 5, 2), 1);
     EXPECT_EQ(vdev::read(kLog), numbered(1, 8));
 }
 
-// Leaves one descriptor free below the limit, so that only one more file
-// can be opened at a time.
-void limit_open_files_to_one_more()
-{
-    int lowest = open("/dev/null", O_RDONLY);
-    close(lowest);
-    struct rlimit rl = {static_cast<rlim_t>(lowest + 1), static_cast<rlim_t>(lowest + 1)};
-    setrlimit(RLIMIT_NOFILE, &rl);
-}
-
 TEST(FileText, FailedReopenKeepsTheLinesInTheWorkFile)
 {
-    // The line count and the work file open; the file itself cannot be
-    // opened again for writing after the move.
     vdev::put(kLog, numbered(1, 8));
     vdev::outcome o = vdev::in_child([] {
-        limit_open_files_to_one_more();
+        // One descriptor free: the work file opens, the file itself cannot be reopened after the move.
+        int lowest = open("/dev/null", O_RDONLY);
+        close(lowest);
+        struct rlimit rl = {static_cast<rlim_t>(lowest + 1), static_cast<rlim_t>(lowest + 1)};
+        setrlimit(RLIMIT_NOFILE, &rl);
         _exit(vesk_file_text_truncate(kLog, nullptr, 5, 2) == 1 ? 0 : 3);
     });
     EXPECT_EQ(o.status, 0);
@@ -194,15 +142,11 @@ TEST(FileText, AppendThenTruncateKeepsTheNewestLines)
 {
     for (int i = 1; i <= 25; i++) {
         CaptureStderr();
-        vesk_file_text_append(kLog, "entry %02d\n", i);
+        vesk_file_text_append(kLog, "line %d\n", i);
         GetCapturedStderr();
         vesk_file_text_truncate(kLog, nullptr, 10, 4);
     }
-    // Each cut at 11 lines leaves 6: cuts after entries 11, 16 and 21.
-    std::string want;
-    for (int i = 16; i <= 25; i++)
-        want += "entry " + std::to_string(i) + "\n";
-    EXPECT_EQ(vdev::read(kLog), want);
+    EXPECT_EQ(vdev::read(kLog), numbered(16, 25)); // cuts at 11 lines leave 6: after lines 11, 16 and 21
 }
 
 } // namespace

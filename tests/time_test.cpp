@@ -1,5 +1,3 @@
-// Clock, time zones and calendar against the emulated device and the real
-// C library's idea of local time.
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <string.h>
@@ -55,15 +53,13 @@ time_t utc(int y, int mo, int d, int h = 0, int mi = 0, int s = 0)
     return timegm(&tm);
 }
 
-// ---- Clock -------------------------------------------------------------------
-
 TEST(Clock, UptimeSecondsComeFromTheFirstNumber)
 {
     const struct {
         const char *content; // nullptr: no such file
         unsigned int seconds;
     } cases[] = {
-        {"12345.67 54321.00\n", 12345}, {"12345.98 1.00\n", 12345}, {"7\n", 7}, {"4294967295.99 0\n", 4294967295u},
+        {"12345.98 54321.00\n", 12345}, {"7\n", 7}, {"4294967295.99 0\n", 4294967295u},
         {"", 0}, {"uptime\n", 0}, {"-5.00 1.00\n", 0}, {nullptr, 0},
     };
     for (const auto &c : cases) {
@@ -90,18 +86,14 @@ TEST(Clock, MonotonicTimeLiesBetweenTwoReadingsOfTheClock)
 
 TEST(Clock, SubtractionBorrowsOneSecondAtMost)
 {
-    const struct {
-        struct timeval val, sub, diff;
-    } cases[] = {
-        {{5, 100}, {2, 200}, {2, 999900}},
-        {{5, 300}, {2, 200}, {3, 100}},
+    const struct { struct timeval val, sub, diff; } cases[] = {
+        {{5, 100}, {2, 200}, {2, 999900}}, {{5, 300}, {2, 200}, {3, 100}},
         {{2, 0}, {5, 1}, {-4, 999999}}, // earlier than sub: negative seconds
     };
     for (const auto &c : cases) {
         struct timeval val = c.val;
         EXPECT_EQ(vesk_time_tv_sub(&c.sub, &val), &val);
-        EXPECT_EQ(val.tv_sec, c.diff.tv_sec);
-        EXPECT_EQ(val.tv_usec, c.diff.tv_usec);
+        EXPECT_EQ(std::make_pair(val.tv_sec, val.tv_usec), std::make_pair(c.diff.tv_sec, c.diff.tv_usec));
     }
     struct timeval val = {1, 1};
     EXPECT_EQ(vesk_time_tv_sub(nullptr, &val), &val);
@@ -146,7 +138,6 @@ TEST(Clock, LocalTimeItemsTakeLowerCaseLettersOnly)
     scoped_tz tz("UTC+3:30");
     auto [now, t] = within_one_second([] { return std::string(vesk_time_get_local_time()); });
     EXPECT_EQ(now, local_text(t, "%Y/%m/%d %H:%M:%S"));
-
     const std::pair<char, const char *> good[] = {{'y', "%Y"}, {'m', "%m"}, {'d', "%d"}, {'h', "%H"},
                                                   {'i', "%M"}, {'s', "%S"}, {'f', "%Y/%m/%d %H:%M:%S"}};
     for (const auto &[item, fmt] : good) {
@@ -174,8 +165,6 @@ TEST(Clock, DayNumbersCountALeapYearFromZero)
     }
 }
 
-// ---- Time zones --------------------------------------------------------------
-
 // Stores the "timedaylight" record: enable, then four little-endian words.
 void store_daylight(int enable, int start_month, int start_day, int end_month, int end_day)
 {
@@ -194,6 +183,14 @@ std::string zone_text()
     return text.substr(0, text.size() - 1);
 }
 
+// The zone's standard and daylight-saving state at t, by the C library.
+std::pair<int, long> zone_state(time_t t)
+{
+    struct tm tm;
+    localtime_r(&t, &tm);
+    return {tm.tm_isdst, tm.tm_gmtoff};
+}
+
 TEST(TimeZone, WritesTheZoneTextOrRefuses)
 {
     const std::string bad_date = "Error: vesk_set_time_zone date is not in range \n";
@@ -208,7 +205,6 @@ TEST(TimeZone, WritesTheZoneTextOrRefuses)
         {"daylight saving off", 0, {0, 3, 1, 10, 31}, "UTC+12", ""},
         {"any non-zero enables", 26, {0x80, 1, 1, 12, 31}, "UTC+0UTC-1,0/00:00:00,365/23:59:59", ""},
         {"February 31 is March 2", 50, {1, 2, 31, 2, 1}, "UTC-5:45UTC-6:45,61/00:00:00,31/23:59:59", ""},
-        {"last zone", 75, {0, 1, 1, 1, 1}, "UTC-13", ""},
         {"unset record", 0, {-1}, nullptr, bad_date},
         {"all-zero record, off", 0, {0, 0, 0, 0, 0}, nullptr, bad_date},
         {"end month 13", 0, {1, 3, 1, 13, 1}, nullptr, bad_date},
@@ -255,19 +251,14 @@ TEST(TimeZone, CLibrarySwitchesOnTheStoredDaysOfALeapYear)
         ASSERT_EQ(vesk_set_time_zone(c.index), 1);
         const std::string text = zone_text();
         scoped_tz tz(text);
-        auto state = [](time_t t) {
-            struct tm tm;
-            localtime_r(&t, &tm);
-            return std::pair<int, long>(tm.tm_isdst, tm.tm_gmtoff);
-        };
         // On at the first second of the start day in standard time, off
         // at the last second of the end day in daylight-saving time.
         const time_t on = utc(2024, c.start_month, c.start_day) - c.std_east;
         const time_t off = utc(2024, c.end_month, c.end_day, 23, 59, 59) - (c.std_east + 3600);
-        EXPECT_EQ(state(on - 1), std::make_pair(0, c.std_east)) << text;
-        EXPECT_EQ(state(on), std::make_pair(1, c.std_east + 3600)) << text;
-        EXPECT_EQ(state(off - 1), std::make_pair(1, c.std_east + 3600)) << text;
-        EXPECT_EQ(state(off), std::make_pair(0, c.std_east)) << text;
+        EXPECT_EQ(zone_state(on - 1), std::make_pair(0, c.std_east)) << text;
+        EXPECT_EQ(zone_state(on), std::make_pair(1, c.std_east + 3600)) << text;
+        EXPECT_EQ(zone_state(off - 1), std::make_pair(1, c.std_east + 3600)) << text;
+        EXPECT_EQ(zone_state(off), std::make_pair(0, c.std_east)) << text;
     }
 }
 
@@ -279,13 +270,10 @@ TEST(TimeZone, EveryZoneSavesOneHourEastAndZonesRunWestToEast)
         ASSERT_EQ(vesk_set_time_zone(i), 1);
         const std::string text = zone_text();
         scoped_tz tz(text);
-        struct tm winter, summer;
-        const time_t w = utc(2024, 1, 15), s = utc(2024, 6, 15);
-        localtime_r(&w, &winter);
-        localtime_r(&s, &summer);
-        EXPECT_EQ(summer.tm_gmtoff - winter.tm_gmtoff, 3600) << i << " " << text;
-        EXPECT_GE(winter.tm_gmtoff, previous) << i << " " << text;
-        previous = winter.tm_gmtoff;
+        const long winter = zone_state(utc(2024, 1, 15)).second, summer = zone_state(utc(2024, 6, 15)).second;
+        EXPECT_EQ(summer - winter, 3600) << i << " " << text;
+        EXPECT_GE(winter, previous) << i << " " << text;
+        previous = winter;
     }
     EXPECT_EQ(previous, 13 * 3600);
 }
@@ -294,30 +282,15 @@ TEST(TimeZone, DateToolGetsMonthDayHourMinuteYear)
 {
     struct tm t = {};
     t.tm_mon = 5, t.tm_mday = 28, t.tm_hour = 12, t.tm_min = 30, t.tm_sec = 45, t.tm_year = 2015;
-    const time_t before = time(nullptr);
     fake_sleep::reset();
     EXPECT_EQ(vesk_set_date_time(&t, 0), 1);
     EXPECT_EQ(fake_sleep::slept_us, 200u);
     t.tm_mon = 1, t.tm_mday = 2, t.tm_hour = 3, t.tm_min = 4, t.tm_year = 999;
     EXPECT_EQ(vesk_set_date_time(&t, 7), 1);
     EXPECT_EQ(vdev::journal(), (std::vector<std::string>{"date 052812302015", "date 010203040999 -u"}));
-    EXPECT_GE(time(nullptr), before) << "the clock is never set";
-    EXPECT_EQ(vdev::sh("test \"$(date -u -d @86400 +%F)\" = 1970-01-02"), 0) << "queries still answer";
-
     CaptureStderr();
     EXPECT_EQ(vesk_set_date_time(nullptr, 0), 0);
     EXPECT_EQ(GetCapturedStderr(), "Error: vesk_set_date_time, input is NULL!\n");
-}
-
-// ---- Calendar ----------------------------------------------------------------
-
-TEST(Calendar, LeapYearsFollowTheGregorianRule)
-{
-    for (int y : {2000, 2016, 1600, 0})
-        EXPECT_EQ(vesk_is_leap_year(y), 1) << y;
-    for (int y : {1900, 2015, 2100, 1})
-        EXPECT_EQ(vesk_is_leap_year(y), 0) << y;
-    EXPECT_EQ(vesk_fix_feb_29(2016, 2) * 100 + vesk_fix_feb_29(2016, 3) * 10 + vesk_fix_feb_29(2015, 2), 100);
 }
 
 vesk_date ymd(int y, int m, int d)
@@ -327,11 +300,7 @@ vesk_date ymd(int y, int m, int d)
 
 TEST(Calendar, StepsDaysThenMonthsThenYears)
 {
-    const struct {
-        const char *name;
-        vesk_date base, step, result;
-    } cases[] = {
-        {"into the leap day", ymd(2016, 2, 28), ymd(0, 0, 1), ymd(2016, 2, 29)},
+    const struct { const char *name; vesk_date base, step, result; } cases[] = {
         {"leap day plus a year", ymd(2016, 2, 29), ymd(1, 0, 0), ymd(2017, 3, 1)},
         {"leap day plus four years", ymd(2016, 2, 29), ymd(4, 0, 0), ymd(2020, 2, 29)},
         {"no clamp to February", ymd(2015, 1, 31), ymd(0, 1, 0), ymd(2015, 2, 31)},
@@ -372,26 +341,13 @@ TEST(Calendar, DayStepsAgreeWithTheCLibrary)
 
 TEST(Calendar, DurationTexts)
 {
-    const struct {
-        unsigned int seconds;
-        int compact;
-        const char *text;
-    } cases[] = {
-        {0, 0, "0 secs"},
-        {1, 0, "1 sec"},
-        {61, 0, "1 min 1 sec"},
-        {120, 0, "2 min 0 secs"},
-        {3600, 0, "1 hours 0 min 0 secs"},
-        {3661, 0, "1 hours 1 min 1 sec"},
-        {86400, 0, "1 day 0 hours 0 mins 0 secs"},
-        {90061, 0, "1 day 1 hour 1 min 1 sec"},
-        {172800, 0, "2 days 0 hours 0 mins 0 secs"},
+    const struct { unsigned int seconds; int compact; const char *text; } cases[] = {
+        {0, 0, "0 secs"}, {1, 0, "1 sec"}, {61, 0, "1 min 1 sec"}, {120, 0, "2 min 0 secs"},
+        {3600, 0, "1 hours 0 min 0 secs"}, {3661, 0, "1 hours 1 min 1 sec"},
+        {86400, 0, "1 day 0 hours 0 mins 0 secs"}, {90061, 0, "1 day 1 hour 1 min 1 sec"},
         {49709u * 86400 + 86399, 0, "49709 days 23 hours 59 mins 59 secs"}, // the longest
         {4294967295u, 0, "49710 days 6 hours 28 mins 15 secs"},
-        {0, 1, "00:00:00 "},
-        {3661, 1, "01:01:01 "},
-        {90061, 1, "1 day 01:01:01 "},
-        {200000, 1, "2 days 07:33:20 "},
+        {0, 1, "00:00:00 "}, {90061, 1, "1 day 01:01:01 "}, {200000, 1, "2 days 07:33:20 "},
         {4294967295u, -1, "49710 days 06:28:15 "},
     };
     for (const auto &c : cases)
@@ -402,20 +358,11 @@ TEST(Calendar, DebugLineOfABrokenDownTime)
 {
     struct tm t = {};
     t.tm_hour = 9, t.tm_min = 5, t.tm_sec = 7, t.tm_year = 115, t.tm_mon = 4, t.tm_mday = 28;
-    const struct {
-        const char *prefix;
-        const struct tm *t;
-        const char *line;
-    } cases[] = {
-        {"boot", &t, "boot: 9:5:7 date:2015/4-28 \n"},
-        {nullptr, &t, "9:5:7 date:2015/4-28 \n"},
-        {"x", nullptr, ""},
-    };
-    for (const auto &c : cases) {
-        CaptureStderr();
-        vesk_print_tm(c.prefix, c.t);
-        EXPECT_EQ(GetCapturedStderr(), c.line);
-    }
+    CaptureStderr();
+    vesk_print_tm("boot", &t);
+    vesk_print_tm(nullptr, &t);
+    vesk_print_tm("x", nullptr);
+    EXPECT_EQ(GetCapturedStderr(), "boot: 9:5:7 date:2015/4-28 \n9:5:7 date:2015/4-28 \n");
 }
 
 } // namespace
