@@ -7,6 +7,7 @@
 #include <string>
 
 #include "fake_sleep.hpp"
+#include "output_of.hpp"
 #include "quil.h"
 #include "vdev.hpp"
 #include "vesk_crypt.h"
@@ -22,10 +23,10 @@ void set_number(const char *key, int v) { ASSERT_EQ(quil_set_value(&v, key), 0) 
 // A store with keys of several prefixes.
 void fill_store()
 {
-    set_number("schedule_en", 1);
-    set_number("radio_opmode_1", 2);
-    set_number("radio_opmode_2", 3);
-    set_number("scheduleS_en", 4);
+    const std::pair<const char *, int> values[] = {{"schedule_en", 1}, {"radio_opmode_1", 2}, {"radio_opmode_2", 3},
+                                                   {"scheduleS_en", 4}};
+    for (auto [key, v] : values)
+        set_number(key, v);
 }
 
 TEST(FwRestore, PrefixListTokensGoToTheStoreBeforeTheFileIsReplaced)
@@ -54,9 +55,7 @@ TEST(FwRestore, PrefixListTokensGoToTheStoreBeforeTheFileIsReplaced)
             vdev::put("/storage/prefix_list", c.list);
         vdev::put("/tmp/restore.dat", "schedule_en=0\n");
 
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(vesk_do_restore_config("/tmp/restore.dat", 0), 1);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.printed);
+        EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_do_restore_config("/tmp/restore.dat", 0), 1); }), c.printed);
 
         std::string new_dat = vdev::read(QUIL_NEW_DAT_FILE);
         lines keys;
@@ -70,7 +69,7 @@ TEST(FwRestore, PrefixListTokensGoToTheStoreBeforeTheFileIsReplaced)
     }
 }
 
-TEST(FwRestore, RebootOnlyWhenAskedAndNoUsbWithoutUsboot)
+TEST(FwRestore, RebootOnlyWhenAskedAndUsbCopiesOnlyWithUsboot)
 {
     ASSERT_EQ(mkdir("/mnt/usb1", 0755), 0);
     for (int reboot : {0, 1}) {
@@ -82,16 +81,11 @@ TEST(FwRestore, RebootOnlyWhenAskedAndNoUsbWithoutUsboot)
         EXPECT_FALSE(vdev::exists("/tmp/restore.dat"));
         EXPECT_EQ(vdev::sh("[ -z \"$(ls -A /mnt/usb1)\" ]"), 0);
     }
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(vesk_do_restore_config(nullptr, 1), 1);
-    testing::internal::GetCapturedStderr();
+    stderr_of([] { EXPECT_EQ(vesk_do_restore_config(nullptr, 1), 1); });
     EXPECT_EQ(vdev::journal(), lines{"sd_ctrl inform reboot"}); // nothing more ran
-}
 
-TEST(FwRestore, ReadOnlyUsbDiskDoesNotStopTheRestore)
-{
+    // Booted from USB, a read-only disk does not stop the restore.
     ASSERT_EQ(mkdir("/mnt/usboot", 0755), 0);
-    ASSERT_EQ(mkdir("/mnt/usb1", 0755), 0);
     ASSERT_EQ(mount("usb1", "/mnt/usb1", "tmpfs", MS_RDONLY, "size=1m"), 0);
     vdev::put("/tmp/restore.dat", "schedule_en=7\n");
     vdev::clear_journal();
@@ -103,48 +97,23 @@ TEST(FwRestore, ReadOnlyUsbDiskDoesNotStopTheRestore)
     EXPECT_EQ(std::count(journal.begin(), journal.end(), "led_ctl diag D5"), 2) << testing::PrintToString(journal);
 }
 
-TEST(FwBackup, MakesAUserconfigImageOfTheFirmwareVersion)
-{
-    fill_store();
-    const std::string before = vdev::read(QUIL_DAT_FILE);
-    for (const char *key : {"secret", ""}) {
-        SCOPED_TRACE(key);
-        vdev::remove("/tmp/user.conf");
-        vdev::clear_journal();
-        EXPECT_EQ(vesk_do_backup_config(key), 1);
-        EXPECT_EQ(vdev::journal(), (lines{"lockwrap /var/vesk_crypt_key_file e /storage/quil.dat /tmp/ap_cfg",
-                                          "header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"}));
-        EXPECT_EQ(vdev::read(QUIL_DAT_FILE), before);
-        EXPECT_FALSE(vdev::exists("/tmp/ap_cfg"));
-
-        vesk_fw_header h;
-        ASSERT_EQ(vesk_get_firmware_header_info("/tmp/user.conf", &h), 1);
-        EXPECT_EQ(h.type, 7u);
-        EXPECT_STREQ(vesk_get_firmware_header_version(&h), vesk_product_get_fw_version());
-        EXPECT_EQ(vesk_get_firmware_header_version_dec(&h), vesk_product_get_fw_version_dec());
-        EXPECT_EQ(h.hardware_id, 0x010E0012u);
-        EXPECT_EQ(vdev::read("/tmp/user.conf").find("schedule_en"), std::string::npos) << "not encrypted";
-    }
-}
-
 TEST(FwBackup, RefusedKeyLeavesNoImage)
 {
     const std::string key65(65, 'k');
     vdev::clear_journal();
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(vesk_do_backup_config(key65.c_str()), 1);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "vesk_crypt_enc_file: input key error!\n");
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_do_backup_config(key65.c_str()), 1); }),
+              "vesk_crypt_enc_file: input key error!\n");
     EXPECT_EQ(vdev::journal(), lines{"header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"});
     EXPECT_FALSE(vdev::exists("/tmp/user.conf"));
     EXPECT_TRUE(vdev::exists(QUIL_DAT_FILE));
 }
 
-// The whole path a management page takes: back up, take the image apart,
-// hand it to the upgrade, find the store as it was.
+// A management page's path: back up, take the image apart, upgrade, find the store as it was.
 TEST(FwPath, BackupRestoresThroughTheFlashEvent)
 {
     for (bool usboot : {false, true}) {
-        SCOPED_TRACE(usboot ? "USB boot" : "flash boot");
+        SCOPED_TRACE(usboot ? "USB boot, empty key" : "flash boot");
+        const char *key = usboot ? "" : "secret";
         if (usboot) {
             ASSERT_EQ(mkdir("/mnt/usboot", 0755), 0);
             ASSERT_EQ(mkdir("/mnt/usb1", 0755), 0);
@@ -154,20 +123,29 @@ TEST(FwPath, BackupRestoresThroughTheFlashEvent)
         vdev::put(QUIL_DAT_FILE, "");
         fill_store();
         const std::string saved = vdev::read(QUIL_DAT_FILE);
-        ASSERT_EQ(vesk_do_backup_config("pass"), 1);
+        vdev::clear_journal();
+        ASSERT_EQ(vesk_do_backup_config(key), 1);
+        EXPECT_EQ(vdev::journal(), (lines{"lockwrap /var/vesk_crypt_key_file e /storage/quil.dat /tmp/ap_cfg",
+                                          "header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"}));
+        EXPECT_EQ(vdev::read(QUIL_DAT_FILE), saved);
+        EXPECT_FALSE(vdev::exists("/tmp/ap_cfg"));
+        EXPECT_EQ(vdev::read("/tmp/user.conf").find("schedule_en"), std::string::npos) << "not encrypted";
+        vesk_fw_header h;
+        ASSERT_EQ(vesk_get_firmware_header_info("/tmp/user.conf", &h), 1);
+        EXPECT_EQ(h.type, 7u); // userconfig, of the firmware's version and board
+        EXPECT_STREQ(vesk_get_firmware_header_version(&h), vesk_product_get_fw_version());
+        EXPECT_EQ(vesk_get_firmware_header_version_dec(&h), vesk_product_get_fw_version_dec());
+        EXPECT_EQ(h.hardware_id, 0x010E0012u);
 
         set_number("schedule_en", 0);
         set_number("radio_opmode_2", 9);
-
-        vesk_fw_header h;
-        ASSERT_EQ(vesk_get_firmware_header_info("/tmp/user.conf", &h), 1);
-        testing::internal::CaptureStderr();
-        ASSERT_EQ(vesk_decode_firmware("/tmp/user.conf"), 1);
-        ASSERT_EQ(vesk_crypt_dec_file("/tmp/user.conf", "pass", "/tmp/restore.dat", 0), 1);
-        fake_sleep::reset();
-        vdev::clear_journal();
-        EXPECT_EQ(vesk_flash_event_handle("/tmp/restore.dat", &h, 1), 1);
-        testing::internal::GetCapturedStderr();
+        stderr_of([&] {
+            ASSERT_EQ(vesk_decode_firmware("/tmp/user.conf"), 1);
+            ASSERT_EQ(vesk_crypt_dec_file("/tmp/user.conf", key, "/tmp/restore.dat", 0), 1);
+            fake_sleep::reset();
+            vdev::clear_journal();
+            EXPECT_EQ(vesk_flash_event_handle("/tmp/restore.dat", &h, 1), 1);
+        });
 
         EXPECT_EQ(vdev::read(QUIL_DAT_FILE), saved);
         EXPECT_EQ(quil_get_int_value("schedule_en"), 1);
@@ -191,9 +169,7 @@ TEST(FwPath, KernelImageReachesFlashAndKver)
     ASSERT_EQ(vesk_get_firmware_header_info("/tmp/fw.bin", &h), 1);
     EXPECT_EQ(h.type, 3u);
     EXPECT_EQ(vesk_get_firmware_header_version_dec(&h), 20304u);
-    testing::internal::CaptureStderr();
-    ASSERT_EQ(vesk_decode_firmware("/tmp/fw.bin"), 1);
-    testing::internal::GetCapturedStderr();
+    stderr_of([] { ASSERT_EQ(vesk_decode_firmware("/tmp/fw.bin"), 1); });
     fake_sleep::reset();
     EXPECT_EQ(vesk_flash_event_handle("/tmp/fw.bin", &h, 0), 1);
     EXPECT_EQ(vdev::read("/dev/mtd3"), std::string(5000, 'K'));

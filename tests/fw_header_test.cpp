@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "output_of.hpp"
 #include "vdev.hpp"
 #include "vesk_fw.h"
 
@@ -43,27 +44,9 @@ raw_header sample(uint32_t type)
 // Writes raw as an image, reads it back and returns what the printer says.
 std::string printed(const raw_header &raw, vesk_fw_header *h)
 {
-    vdev::put("/tmp/img", raw.str());
+    vdev::put("/tmp/img", raw.str() + "payload behind the header");
     EXPECT_EQ(vesk_get_firmware_header_info("/tmp/img", h), 1);
-    testing::internal::CaptureStderr();
-    vesk_print_firmware_header_info(h);
-    return testing::internal::GetCapturedStderr();
-}
-
-TEST(FwHeader, ReadsWordsBigEndianAndCopiesTextAndDigest)
-{
-    vdev::put("/tmp/img", sample(3).str() + "payload behind the header");
-    vesk_fw_header h;
-    memset(&h, 0xEE, sizeof h);
-    ASSERT_EQ(vesk_get_firmware_header_info("/tmp/img", &h), 1);
-    // The words and the shown texts are checked through the printer below.
-    EXPECT_EQ(h.lead_word, 0x48445230u);
-    EXPECT_STREQ(h.lead_text, "lead");
-    EXPECT_STREQ(h.tail_text, "tail");
-    EXPECT_EQ(h.comp_file_len, 0xFFFFFFFEu);
-    EXPECT_EQ(memcmp(h.md5_chksum, kDigest, 16), 0);
-    // Bytes behind a text's terminator are not carried over.
-    EXPECT_EQ(h.code_version[16], 0);
+    return stderr_of([&] { vesk_print_firmware_header_info(h); });
 }
 
 TEST(FwHeader, RefusesWhatCannotBeAHeader)
@@ -76,8 +59,7 @@ TEST(FwHeader, RefusesWhatCannotBeAHeader)
     } cases[] = {
         {"missing", 0, 0, "Err: vesk_get_firmware_header_info: /tmp/img does not exist!\n"},
         {"127 bytes", 127, 0, "Err: vesk_get_firmware_header_info: /tmp/img file size is too small!\n"},
-        {"128 bytes", 128, 1, ""},
-        {"longer", 4096, 1, ""},
+        {"128 bytes", 128, 1, ""}, {"longer", 4096, 1, ""},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -85,65 +67,47 @@ TEST(FwHeader, RefusesWhatCannotBeAHeader)
         if (c.size)
             vdev::put("/tmp/img", (sample(7).str() + std::string(4096, 'z')).substr(0, c.size));
         vesk_fw_header h;
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(vesk_get_firmware_header_info("/tmp/img", &h), c.result);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.message);
+        EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_get_firmware_header_info("/tmp/img", &h), c.result); }), c.message);
     }
     vesk_fw_header h;
     EXPECT_EQ(vesk_get_firmware_header_info(nullptr, &h), 0);
     EXPECT_EQ(vesk_get_firmware_header_info("/tmp/img", nullptr), 0);
-}
 
-TEST(FwHeader, ReadOnlyImageCannotBeOpened)
-{
-    // Root writes through file modes, so the image lies on a read-only mount.
+    // The image is opened read-write: root writes through file modes, so it lies on a read-only mount.
     ASSERT_EQ(mkdir("/mnt/ro", 0755), 0);
     ASSERT_EQ(mount("ro", "/mnt/ro", "tmpfs", 0, nullptr), 0);
     vdev::put("/mnt/ro/img", sample(3).str());
     ASSERT_EQ(mount(nullptr, "/mnt/ro", nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
-    vesk_fw_header h;
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(vesk_get_firmware_header_info("/mnt/ro/img", &h), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "vesk_get_firmware_header_info: Cannot open /mnt/ro/img !!\n");
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_get_firmware_header_info("/mnt/ro/img", &h), 0); }),
+              "vesk_get_firmware_header_info: Cannot open /mnt/ro/img !!\n");
 }
 
-TEST(FwHeader, PrintsEveryField)
+TEST(FwHeader, ReadsBigEndianWordsAndPrintsEveryField)
 {
     vesk_fw_header h;
-    EXPECT_EQ(printed(sample(3), &h), "------- Header Info -------\n"
-                                                      "Vendor  id:  0x1234\n"
-                                                      "Product id:  0x5678\n"
-                                                      "Hardware id:  0x12345678\n"
-                                                      "Version id:  AP-v2\n"
-                                                      "Code Version:  1.2.3\n"
-                                                      "Type: 0x3 [Kernel]\n"
-                                                      "comp_file_len:  -2\n"
-                                                      "comp_file_sum:  0xabcdef01\n"
-                                                      "Header sum:  0xe59\n"
-                                                      "Magic key:  0x5645534b\n"
-                                                      "MD5 chksum:  01a10ff7f800123456789abcdef0\n"
-                                                      "------------------------------\n");
-
-    testing::internal::CaptureStderr();
-    vesk_print_firmware_header_info(nullptr);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-}
-
-TEST(FwHeader, UnknownTypeRunsOnToTheNextLine)
-{
-    vesk_fw_header h;
+    memset(&h, 0xEE, sizeof h);
+    EXPECT_EQ(printed(sample(3), &h), "------- Header Info -------\nVendor  id:  0x1234\nProduct id:  0x5678\n"
+                                      "Hardware id:  0x12345678\nVersion id:  AP-v2\nCode Version:  1.2.3\n"
+                                      "Type: 0x3 [Kernel]\ncomp_file_len:  -2\ncomp_file_sum:  0xabcdef01\n"
+                                      "Header sum:  0xe59\nMagic key:  0x5645534b\n"
+                                      "MD5 chksum:  01a10ff7f800123456789abcdef0\n------------------------------\n");
+    // Fields the printer does not show.
+    EXPECT_EQ(h.lead_word, 0x48445230u);
+    EXPECT_STREQ(h.lead_text, "lead");
+    EXPECT_STREQ(h.tail_text, "tail");
+    EXPECT_EQ(h.comp_file_len, 0xFFFFFFFEu);
+    EXPECT_EQ(memcmp(h.md5_chksum, kDigest, 16), 0);
+    EXPECT_EQ(h.code_version[16], 0); // bytes behind a text's terminator are not carried over
+    EXPECT_EQ(stderr_of([] { vesk_print_firmware_header_info(nullptr); }), "");
+    // An unknown type runs on to the next line.
     EXPECT_NE(printed(sample(0x20), &h).find("\nType: 0x20 comp_file_len:  -2\n"), std::string::npos);
-}
 
-TEST(FwHeader, FullWidthTextsStayWithinTheirFields)
-{
-    // No terminators: every text runs to its field's end.
+    // Texts without terminators run to their field's end and no further.
     raw_header raw = sample(7);
     memset(raw.b + 8, 'L', 17);
     memset(raw.b + 25, '9', 17);
     memset(raw.b + 46, 'V', 16);
     memset(raw.b + 86, 'T', 34);
-    vesk_fw_header h;
     std::string out = printed(raw, &h);
     EXPECT_EQ(std::string(vesk_get_firmware_header_version(&h)), std::string(17, '9'));
     EXPECT_NE(out.find("Version id:  " + std::string(16, 'V') + "\n"), std::string::npos) << out;
@@ -173,23 +137,16 @@ TEST(FwHeader, DecodeAsksTheHeaderTool)
     vdev::put("/tmp/payload", "kernel bytes");
     ASSERT_EQ(vdev::sh("header -s /tmp/payload -d /tmp/img -a -t Kernel -c 1.2.3 >/dev/null"), 0);
     vdev::clear_journal();
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(vesk_decode_firmware("/tmp/img"), 1);
-    std::string out = testing::internal::GetCapturedStderr();
+    std::string out = stderr_of([] { EXPECT_EQ(vesk_decode_firmware("/tmp/img"), 1); });
     // The tool's verdict stands behind another line of its output.
     EXPECT_EQ(out.rfind("buf[header: /tmp/img: type 3, version 1.2.3\nheader: Return OK\n]\nOKOK!!\n", 0), 0u) << out;
     EXPECT_EQ(vdev::journal(), std::vector<std::string>{"header -x /tmp/img"});
     EXPECT_EQ(vdev::read("/tmp/img"), "kernel bytes");
 
     // Now without a header it fails.
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(vesk_decode_firmware("/tmp/img"), 0);
-    out = testing::internal::GetCapturedStderr();
+    out = stderr_of([] { EXPECT_EQ(vesk_decode_firmware("/tmp/img"), 0); });
     EXPECT_TRUE(out.ends_with("FAIL!!\n")) << out;
-
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(vesk_decode_firmware(nullptr), 0);
-    testing::internal::GetCapturedStderr();
+    stderr_of([] { EXPECT_EQ(vesk_decode_firmware(nullptr), 0); });
 }
 
 TEST(FwHeader, BootVersionFromFileElseBoard)

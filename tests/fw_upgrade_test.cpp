@@ -4,6 +4,7 @@
 #include <string>
 
 #include "fake_sleep.hpp"
+#include "output_of.hpp"
 #include "vdev.hpp"
 #include "vesk_fw.h"
 
@@ -56,10 +57,7 @@ TEST(FwUpgrade, OtherTypesDoNothingAndUnknownTypesFail)
         int result;
         const char *message;
     } cases[] = {
-        {1, 1, ""},
-        {11, 1, ""},
-        {13, 1, ""},
-        {5, 0, "Err: vesk_flash_event_handle wrong type: 5\n"},
+        {1, 1, ""}, {11, 1, ""}, {13, 1, ""}, {5, 0, "Err: vesk_flash_event_handle wrong type: 5\n"},
         {0, 0, "Err: vesk_flash_event_handle wrong type: 0\n"},
         {0x80000000u, 0, "Err: vesk_flash_event_handle wrong type: -2147483648\n"},
     };
@@ -69,9 +67,7 @@ TEST(FwUpgrade, OtherTypesDoNothingAndUnknownTypesFail)
         vdev::clear_journal();
         fake_sleep::reset();
         vesk_fw_header h = header_of(c.type);
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(vesk_flash_event_handle("/tmp/img", &h, 1), c.result);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.message);
+        EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_flash_event_handle("/tmp/img", &h, 1), c.result); }), c.message);
         EXPECT_TRUE(vdev::journal().empty());
         EXPECT_EQ(fake_sleep::calls, 0u);
         EXPECT_TRUE(vdev::exists("/tmp/img"));
@@ -88,16 +84,10 @@ TEST(FwUpgrade, MissingPartitionStillRecordsVersion)
     vdev::put("/proc/mtd", "dev:    size   erasesize  name\n"
                            "mtd0: 00030000 00010000 \"Bootloader\"\n");
     vdev::put("/tmp/k", "k");
-    const struct {
-        const char *name;
-        int index;
-    } cases[] = {{"no Kernel partition", 1}, {"index past the table", 5}, {"negative index", -1}};
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
+    for (int index : {1, 5, -1}) { // no Kernel partition, past the table, negative
+        SCOPED_TRACE(index);
         vdev::clear_journal();
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(vesk_do_image_upgrade("/tmp/k", c.index, 0, "9.9.9"), 1);
-        testing::internal::GetCapturedStderr();
+        stderr_of([&] { EXPECT_EQ(vesk_do_image_upgrade("/tmp/k", index, 0, "9.9.9"), 1); });
         EXPECT_EQ(vdev::journal(), (lines{"flashcp -v /tmp/k /dev/mtd-1", "board_config set kver 9.9.9"}));
     }
     EXPECT_EQ(board("kver"), "9.9.9");
@@ -123,22 +113,16 @@ TEST(FwUpgrade, ProgressReadsTheStatusFileOfTheLastComponent)
         EXPECT_EQ(percent, c.percent);
         EXPECT_STREQ(name, "/tmp/up/fw.bin");
     }
-}
-
-TEST(FwUpgrade, ProgressRefusesNamesItCannotHold)
-{
     int percent = 7;
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(vesk_firmware_get_upgrade_progress(nullptr, &percent), -1);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "vesk_firmware_get_upgrade_progress: input error!\n");
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_firmware_get_upgrade_progress(nullptr, &percent), -1); }),
+              "vesk_firmware_get_upgrade_progress: input error!\n");
 
     // 125 characters fit the 136-byte path, 126 do not.
     for (size_t len : {125u, 126u}) {
+        SCOPED_TRACE(len);
         std::string name(len, 'n');
         vdev::put("/var/" + name.substr(0, 125) + ".stat", "33\n");
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(vesk_firmware_get_upgrade_progress(name.data(), &percent), len == 125 ? 33 : -1) << len;
-        testing::internal::GetCapturedStderr();
+        stderr_of([&] { EXPECT_EQ(vesk_firmware_get_upgrade_progress(name.data(), &percent), len == 125 ? 33 : -1); });
     }
 }
 
