@@ -63,7 +63,7 @@ struct BrTable : testing::Test {
     void TearDown() override { fake_ioctl::set(nullptr); }
 };
 
-TEST_F(BrTable, ReadsWindowsOfTheTable)
+TEST_F(BrTable, ReadsWindowsAndLooksUpInBatchesOf128)
 {
     add_static_entries(299); // and the local address of eth2: 300 in all
     int sock = socket(AF_INET, SOCK_STREAM, 0);
@@ -79,10 +79,8 @@ TEST_F(BrTable, ReadsWindowsOfTheTable)
         }
     }
     EXPECT_EQ(locals, 1);
-    const struct {
-        unsigned long offset, num;
-        int result;
-    } windows[] = {{128, 128, 128}, {256, 128, 44}, {300, 128, 0}, {299, 5, 1}, {10, 0, 0}};
+    const struct { unsigned long offset, num; int result; } windows[] = {
+        {128, 128, 128}, {256, 128, 44}, {300, 128, 0}, {299, 5, 1}, {10, 0, 0}};
     for (const auto &w : windows) {
         SCOPED_TRACE(testing::Message() << "offset " << w.offset << " num " << w.num);
         vesk_br_fdb_entry part[130];
@@ -97,12 +95,9 @@ TEST_F(BrTable, ReadsWindowsOfTheTable)
     EXPECT_EQ(errno, ENODEV);
     EXPECT_LT(br_read_fdb("br0", nullptr, 0, 128, sock) | br_read_fdb(nullptr, all, 0, 128, sock), 0);
     close(sock);
-}
-
-TEST_F(BrTable, LookUpReadsTheWholeTableInBatchesOf128)
-{
-    add_static_entries(299);
-    // The entry is in the first batch: the whole table is read all the same.
+    // A look-up reads the whole table in batches of 128, though the entry
+    // is in the first one, then the port list.
+    calls.clear();
     EXPECT_STREQ(brtable_find_if_by_mac(entry_mac(1).data(), "br0"), "eth2");
     std::vector<unsigned long> offsets;
     for (const auto &c : calls) {
@@ -125,11 +120,7 @@ TEST_F(BrTable, PortOfAnAddress)
                        " && bridge fdb add 02:00:00:00:00:c8 dev eth3 master static 2>/dev/null; true"), 0);
     auto eth2 = sys_mac("eth2"), eth3 = sys_mac("eth3"), last = entry_mac(200), unknown = entry_mac(0xFFFF);
     const std::string failed = "read of forward table failed: ";
-    const struct {
-        const unsigned char *mac;
-        const char *bridge, *port;
-        std::string message;
-    } cases[] = {
+    const struct { const unsigned char *mac; const char *bridge, *port; std::string message; } cases[] = {
         {last.data(), "br0", "eth2", ""}, // static entry in the last batch
         {(const unsigned char *)"\xfe\xdc\xba\x98\x76\x54", "br0", "eth3", ""}, // bytes above 0x7F
         {eth2.data(), "br0", "eth2", ""}, // local addresses of the ports
@@ -153,13 +144,7 @@ TEST_F(BrTable, PortOfAnAddress)
 TEST_F(BrTable, BusyTableIsAskedTenTimesAndPortListFailure)
 {
     add_static_entries(3);
-    const struct {
-        int busy, port_errno;
-        const char *port;
-        unsigned sleeps;
-        const char *message;
-    } cases[] = {
-        {1, 0, "eth2", 1, ""},
+    const struct { int busy, port_errno; const char *port; unsigned sleeps; const char *message; } cases[] = {
         {9, 0, "eth2", 9, ""},
         {10, 0, "unknown", 9, "read of forward table failed: Resource temporarily unavailable\n"},
         {0, EPERM, "unknown", 0, "list ports for bridge:'br0' failed: Operation not permitted\n"},
@@ -216,10 +201,8 @@ TEST(BrDelete, RemovesTheAddressFromEveryDevice)
                             " 02:aa:bb:cc:dd:02", "02:aa:bb:cc:dd:0g", (const char *)nullptr})
         EXPECT_EQ(vesk_del_br_fdb(bad), 0) << (bad ? bad : "(null)");
     EXPECT_EQ(fdb_lines("02:aa:bb:cc:dd:02"), 1);
-    const struct {
-        const char *mac, *line; // how often line is then shown
-        int left;
-    } cases[] = {
+    // How often the line is shown after the address is deleted.
+    const struct { const char *mac, *line; int left; } cases[] = {
         {"02:AA:BB:CC:DD:02", "02:aa:bb:cc:dd:02", 1}, // the tool prints lower case
         {"02:aa:bb:cc:dd:99", "02:aa:bb:cc:dd:99", 0},
         {"02:aa:bb:cc:dd:01", "02:aa:bb:cc:dd:01", 0}, // from both devices

@@ -53,16 +53,10 @@ TEST(Stats, RunningKernel)
     EXPECT_EQ(stats_row("eth9", 0), kZero); // not there: all zero
 }
 
-TEST(Stats, Layouts)
+TEST(Stats, LayoutsBadInputAndMissingFile)
 {
     const std::string full = kHeadFull;
-    const struct {
-        const char *name;
-        std::string file;
-        const char *ifname;
-        int result;
-        const char *row;
-    } cases[] = {
+    const struct { const char *name; std::string file; const char *ifname; int result; const char *row; } cases[] = {
         {"full", full + "    lo: 5 6 0 0 0 0 0 0 5 6 0 0 0 0 0 0\n  eth0:1000 10 1 2 3 4 5 6 2000 20 7 8 9 11 12 13\n",
          "eth0", 1, "1000 10 1 2 3 4 5 6 2000 20 7 8 9 11 12 13"},
         {"bytes, no compressed",
@@ -98,10 +92,6 @@ TEST(Stats, Layouts)
         vdev::put("/proc/net/dev", c.file);
         EXPECT_EQ(stats_row(c.ifname, c.result), c.row);
     }
-}
-
-TEST(Stats, BadInputAndMissingFile)
-{
     vesk_if_stats s;
     EXPECT_EQ(stderr_of([&] {
                   EXPECT_EQ(vesk_if_get_stats(nullptr, &s), 0);

@@ -13,9 +13,7 @@ namespace {
 
 TEST(CheckString, Escapes)
 {
-    const struct {
-        const char *text, *web, *shell;
-    } cases[] = {
+    const struct { const char *text, *web, *shell; } cases[] = {
         {"a\"b\\c", "a\\\"b\\\\c", "a\\\"b\\\\c"},
         {"a b;c", "a b;c", "a\\ b\\;c"},
         {"$HOME & `id` | (x) *;<>~#'", "$HOME & `id` | (x) *;<>~#'",

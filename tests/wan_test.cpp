@@ -31,10 +31,7 @@ TEST(PppStatus, DaemonGatewayAndRouteCheck)
     vdev::put("/var/run/" + too_long + ".pi", me);
     vdev::put("/var/run/" + longest + ".pid", me);
     vdev::clear_journal();
-    const struct {
-        const char *pid_name, *ifname;
-        int status;
-    } cases[] = {
+    const struct { const char *pid_name, *ifname; int status; } cases[] = {
         {"pppd", "ppp0", 1},
         {"pppd", "eth9", 1}, // the route check's answer is not read
         {"gone", "ppp0", 0},
@@ -65,10 +62,7 @@ TEST(PppStatus, DaemonGatewayAndRouteCheck)
 
 TEST(WanDetection, MarkerFiles)
 {
-    const struct {
-        std::vector<const char *> markers;
-        int mask;
-    } cases[] = {
+    const struct { std::vector<const char *> markers; int mask; } cases[] = {
         {{}, 8},
         {{"dhcp"}, 9},
         {{"pppoe", "pptp"}, 14},
@@ -87,11 +81,7 @@ using ports = std::vector<unsigned short>;
 
 TEST(PortRange, ListToString)
 {
-    const struct {
-        ports list;
-        int count, dst_size;
-        const char *text;
-    } cases[] = {
+    const struct { ports list; int count, dst_size; const char *text; } cases[] = {
         {{80, 0, 443, 0, 1000, 2000}, 6, 64, "80, 443, 1000-2000"},
         {{0, 0, 0, 0}, 4, 64, "0"},
         {{80, 0, 0, 90}, 4, 64, "80, 0-90"},
@@ -126,11 +116,7 @@ TEST(PortRange, ListToString)
 
 TEST(PortRange, StringToList)
 {
-    const struct {
-        const char *text;
-        int count;
-        ports list;
-    } cases[] = {
+    const struct { const char *text; int count; ports list; } cases[] = {
         {"80, 443, 1000-2000", 6, {80, 0, 443, 0, 1000, 2000}},
         {"80,90", 4, {80, 0, 90, 0}},
         {"80-90", 2, {80, 90}},
