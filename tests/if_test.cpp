@@ -1,166 +1,99 @@
 #include <gtest/gtest.h>
 #include <net/if.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
-#include <unistd.h>
 #include <sys/utsname.h>
+#include <unistd.h>
 
 #include <string>
+#include <vector>
 
-#include "vdev.hpp"
+#include "net_helpers.hpp"
 #include "vesk_if.h"
 
 namespace {
 
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
-
-// Interfaces of the test LAN besides the scenario's br0 (192.0.2.1/24) and
-// its port eth2 (up, no address):
-//   wan0     198.51.100.77/27, MTU 1400, down, MAC 02:a0:b1:c2:d3:e4
-//   ppp9     203.0.113.1 peer 203.0.113.2, up, peer link down (no carrier)
-//   vethfifteen1234   15 characters, the longest name there is
+// Besides the scenario's br0 (192.0.2.1/24) and its port eth2 (up, no address):
+// wan0 198.51.100.77/27, MTU 1400, down; ppp9 203.0.113.1 peer 203.0.113.2, up
+// without carrier; vethfifteen1234, the longest name there is.
 void make_interfaces()
 {
     ASSERT_EQ(vdev::sh("ip link add wan0 address 02:a0:b1:c2:d3:e4 mtu 1400 type veth peer name wan0p"
-                       " && ip addr add 198.51.100.77/27 dev wan0"
-                       " && ip link add ppp9 type veth peer name ppp9p"
+                       " && ip addr add 198.51.100.77/27 dev wan0 && ip link add ppp9 type veth peer name ppp9p"
                        " && ip addr add 203.0.113.1 peer 203.0.113.2 dev ppp9 && ip link set ppp9 up"
-                       " && ip link add vethfifteen1234 type veth peer name vethfifteenpeer"),
-              0);
+                       " && ip link add vethfifteen1234 type veth peer name vethfifteenpeer"), 0);
 }
 
-std::string sys_address(const std::string &ifname)
-{
-    std::string text = vdev::read("/sys/class/net/" + ifname + "/address");
-    return text.substr(0, text.find('\n'));
-}
-
-std::string mac_text(const unsigned char *mac)
-{
-    char text[18];
-    snprintf(text, sizeof text, "%02x:%02x:%02x:%02x:%02x:%02x", mac[0], mac[1], mac[2], mac[3], mac[4], mac[5]);
-    return text;
-}
-
-TEST(IfQuery, AddressTexts)
+TEST(IfQuery, AddressesNumbersAndFlags)
 {
     make_interfaces();
-    const struct {
-        const char *ifname;
-        const char *ip, *dst, *mask, *subnet;
-    } cases[] = {
-        {"br0", "192.0.2.1", "192.0.2.1", "255.255.255.0", "192.0.2.0"},
-        {"wan0", "198.51.100.77", "198.51.100.77", "255.255.255.224", "198.51.100.64"},
-        {"ppp9", "203.0.113.1", "203.0.113.2", "255.255.255.255", "203.0.113.1"},
-        {"eth2", "---", "---", "---", "---"},           // no address
-        {"nosuch0", "---", "---", "---", "---"},        // absent
-        {"vethfifteen1234", "---", "---", "---", "---"}, // longest name, no address
-        {"vethfifteen12345", "---", "---", "---", "---"}, // too long: never cut to an existing name
-        {"", "---", "---", "---", "---"},
+    const char *none = "---";
+    const struct { const char *ifname, *ip, *dst, *mask, *subnet; int exists, ip_ready, up, mtu; } cases[] = {
+        {"br0", "192.0.2.1", "192.0.2.1", "255.255.255.0", "192.0.2.0", 1, 1, 1, 1500},
+        {"wan0", "198.51.100.77", "198.51.100.77", "255.255.255.224", "198.51.100.64", 1, 1, 0, 1400}, // down
+        {"ppp9", "203.0.113.1", "203.0.113.2", "255.255.255.255", "203.0.113.1", 1, 1, 1, 1500}, // no carrier
+        {"eth2", none, none, none, none, 1, 0, 1, 1500},
+        {"lo", "127.0.0.1", "127.0.0.1", "255.0.0.0", "127.0.0.0", 1, 1, 1, 65536},
+        {"vethfifteen1234", none, none, none, none, 1, 0, 0, 1500},
+        {"vethfifteen12345", none, none, none, none, 0, 0, 0, 0}, // too long: never cut to an existing name
+        {"nosuch0", none, none, none, none, 0, 0, 0, 0},
+        {"", none, none, none, none, 0, 0, 0, 0},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.ifname);
-        CaptureStderr();
-        EXPECT_STREQ(vesk_if_get_ip(c.ifname), c.ip);
-        EXPECT_STREQ(vesk_if_get_dst_ip(c.ifname), c.dst);
-        EXPECT_STREQ(vesk_if_get_mask(c.ifname), c.mask);
-        EXPECT_STREQ(vesk_if_get_subnet(c.ifname), c.subnet);
-        EXPECT_EQ(GetCapturedStderr(), "");
+        EXPECT_EQ(stderr_of([&] {
+                      EXPECT_STREQ(vesk_if_get_ip(c.ifname), c.ip);
+                      EXPECT_STREQ(vesk_if_get_dst_ip(c.ifname), c.dst);
+                      EXPECT_STREQ(vesk_if_get_mask(c.ifname), c.mask);
+                      EXPECT_STREQ(vesk_if_get_subnet(c.ifname), c.subnet);
+                      EXPECT_EQ(vesk_if_is_existed(c.ifname), c.exists);
+                      EXPECT_EQ(vesk_if_is_ip_ready(c.ifname), c.ip_ready);
+                      EXPECT_EQ(vesk_if_is_up(c.ifname), c.up);
+                      EXPECT_EQ(vesk_if_get_mtu(c.ifname), c.mtu);
+                      EXPECT_EQ(vesk_if_get_index(c.ifname), c.exists ? (int)if_nametoindex(c.ifname) : 0);
+                  }), "");
+        // A failure leaves the caller's bytes alone.
+        const std::vector<unsigned char> keep = {1, 2, 3, 4, 5, 6};
+        auto mac = keep;
+        if (*c.ifname && strcmp(c.ifname, "lo") != 0 && strcmp(c.ifname, "ppp9") != 0) {
+            EXPECT_EQ(vesk_if_get_hw_addr(c.ifname, mac.data()), c.exists);
+            EXPECT_EQ(mac, c.exists ? sys_mac(c.ifname) : keep);
+        }
     }
-}
-
-TEST(IfQuery, EachTextHasItsOwnBuffer)
-{
-    make_interfaces();
-    const char *ip = vesk_if_get_ip("br0");
-    const char *mask = vesk_if_get_mask("br0");
-    EXPECT_EQ(vesk_if_get_ip("wan0"), ip); // the same buffer, overwritten
+    EXPECT_EQ(vesk_if_get_hw_addr("br0", nullptr), 0);
+    // One buffer per text, overwritten by the next call.
+    const char *ip = vesk_if_get_ip("br0"), *mask = vesk_if_get_mask("br0");
+    EXPECT_EQ(vesk_if_get_ip("wan0"), ip);
     EXPECT_STREQ(ip, "198.51.100.77");
     EXPECT_STREQ(mask, "255.255.255.0");
 }
 
-TEST(IfQuery, NumbersAndFlags)
+TEST(IfQuery, NullNameAndNoSocket)
 {
-    make_interfaces();
-    const struct {
-        const char *ifname;
-        int exists, ip_ready, up, mtu;
-    } cases[] = {
-        {"br0", 1, 1, 1, 1500},
-        {"eth2", 1, 0, 1, 1500},
-        {"wan0", 1, 1, 0, 1400}, // addressed but down
-        {"ppp9", 1, 1, 1, 1500}, // up without carrier
-        {"lo", 1, 1, 1, 65536},
-        {"vethfifteen1234", 1, 0, 0, 1500},
-        {"vethfifteen12345", 0, 0, 0, 0},
-        {"nosuch0", 0, 0, 0, 0},
-        {"", 0, 0, 0, 0},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.ifname);
-        CaptureStderr();
-        EXPECT_EQ(vesk_if_is_existed(c.ifname), c.exists);
-        EXPECT_EQ(vesk_if_is_ip_ready(c.ifname), c.ip_ready);
-        EXPECT_EQ(vesk_if_is_up(c.ifname), c.up);
-        EXPECT_EQ(vesk_if_get_mtu(c.ifname), c.mtu);
-        EXPECT_EQ(vesk_if_get_index(c.ifname), c.exists ? static_cast<int>(if_nametoindex(c.ifname)) : 0);
-        EXPECT_EQ(GetCapturedStderr(), "");
-    }
-}
-
-TEST(IfQuery, HardwareAddress)
-{
-    make_interfaces();
-    for (const char *ifname : {"br0", "eth2", "wan0", "vethfifteen1234"}) {
-        unsigned char mac[6] = {};
-        EXPECT_EQ(vesk_if_get_hw_addr(ifname, mac), 1) << ifname;
-        EXPECT_EQ(mac_text(mac), sys_address(ifname)) << ifname;
-    }
-    // Failures leave the caller's bytes alone.
-    for (const char *ifname : {"nosuch0", "vethfifteen12345"}) {
-        unsigned char keep[6] = {1, 2, 3, 4, 5, 6};
-        EXPECT_EQ(vesk_if_get_hw_addr(ifname, keep), 0) << ifname;
-        EXPECT_EQ(mac_text(keep), "01:02:03:04:05:06");
-    }
-    EXPECT_EQ(vesk_if_get_hw_addr("br0", nullptr), 0);
-}
-
-TEST(IfQuery, NullNameIsReportedByEachQuery)
-{
-    CaptureStderr();
-    EXPECT_EQ(vesk_if_get_ip(nullptr), nullptr);
-    EXPECT_EQ(vesk_if_get_dst_ip(nullptr), nullptr);
-    EXPECT_EQ(vesk_if_get_mask(nullptr), nullptr);
-    EXPECT_EQ(vesk_if_get_subnet(nullptr), nullptr);
-    unsigned char mac[6];
-    int sum = vesk_if_get_hw_addr(nullptr, mac) + vesk_if_is_existed(nullptr) + vesk_if_is_ip_ready(nullptr) +
-              vesk_if_is_up(nullptr) + vesk_if_get_index(nullptr) + vesk_if_get_mtu(nullptr) +
-              vesk_if_set_lan_state(nullptr, 1); // the last one silently
-    EXPECT_EQ(sum, 0);
     std::string want;
     for (const char *f : {"get_ip", "get_dst_ip", "get_mask", "get_subnet", "get_hw_addr", "is_existed",
                           "is_ip_ready", "is_up", "get_index", "get_mtu"})
         want += std::string("vesk_if_") + f + ": interface is NULL!\n";
-    EXPECT_EQ(GetCapturedStderr(), want);
-}
-
-TEST(IfQuery, NoSocket)
-{
-    // No descriptor can be opened: only the hardware-address queries and the
+    EXPECT_EQ(stderr_of([] {
+                  EXPECT_EQ(vesk_if_get_ip(nullptr), nullptr);
+                  EXPECT_EQ(vesk_if_get_dst_ip(nullptr), nullptr);
+                  EXPECT_EQ(vesk_if_get_mask(nullptr), nullptr);
+                  EXPECT_EQ(vesk_if_get_subnet(nullptr), nullptr);
+                  unsigned char mac[6];
+                  EXPECT_EQ(vesk_if_get_hw_addr(nullptr, mac) + vesk_if_is_existed(nullptr) +
+                                vesk_if_is_ip_ready(nullptr) + vesk_if_is_up(nullptr) + vesk_if_get_index(nullptr) +
+                                vesk_if_get_mtu(nullptr) + vesk_if_set_lan_state(nullptr, 1), // the last silently
+                            0);
+              }), want);
+    // No descriptor can be opened: only the hardware-address query and the
     // LAN-state request say so.
-    auto o = vdev::in_child([] {
-        const rlimit none{0, 0};
-        setrlimit(RLIMIT_NOFILE, &none);
+    auto o = without_descriptors([] {
         unsigned char mac[6];
-        bool ok = vesk_if_get_hw_addr("br0", mac) == 0 && vesk_if_is_existed("br0") == 0 &&
-                  strcmp(vesk_if_get_ip("br0"), "---") == 0 && strcmp(vesk_if_get_subnet("br0"), "---") == 0 &&
-                  vesk_if_is_up("br0") == 0 && vesk_if_get_mtu("br0") == 0 && vesk_if_set_lan_state("br0", 1) == 0;
-        _exit(ok ? 0 : 1);
+        return vesk_if_get_hw_addr("br0", mac) == 0 && vesk_if_is_existed("br0") == 0 &&
+               strcmp(vesk_if_get_ip("br0"), "---") == 0 && strcmp(vesk_if_get_subnet("br0"), "---") == 0 &&
+               vesk_if_is_up("br0") == 0 && vesk_if_get_mtu("br0") == 0 && vesk_if_set_lan_state("br0", 1) == 0;
     });
     EXPECT_EQ(o.status, 0);
-    EXPECT_EQ(o.err, "socket(): Too many open files\n"
-                     "socket(): Too many open files\n"
+    EXPECT_EQ(o.err, "socket(): Too many open files\nsocket(): Too many open files\n"
                      "vesk_if_set_lan_state: socket error!\n");
 }
 
@@ -168,51 +101,34 @@ TEST(IfLanState, AbsentDeviceIsNoError)
 {
     // No driver here knows the private request: an absent device gives
     // ENODEV, a present one refuses the request.
-    const struct {
-        const char *ifname;
-        int result;
-        const char *message;
-    } cases[] = {
+    const std::string failed = "vesk_if_set_lan_state: SIOCDEVSTATE on ";
+    const struct { const char *ifname; int result; std::string message; } cases[] = {
         {"nosuch0", 1, ""},
-        {"eth2", 0, "vesk_if_set_lan_state: SIOCDEVSTATE on 'eth2' failed: Operation not supported\n"},
-        {"br0", 0, "vesk_if_set_lan_state: SIOCDEVSTATE on 'br0' failed: Operation not supported\n"},
-        {"vethfifteen12345", 0,
-         "vesk_if_set_lan_state: SIOCDEVSTATE on 'vethfifteen12345' failed: File name too long\n"},
+        {"eth2", 0, failed + "'eth2' failed: Operation not supported\n"},
+        {"br0", 0, failed + "'br0' failed: Operation not supported\n"},
+        {"vethfifteen12345", 0, failed + "'vethfifteen12345' failed: File name too long\n"},
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.ifname);
-        CaptureStderr();
-        EXPECT_EQ(vesk_if_set_lan_state(c.ifname, 1), c.result);
-        EXPECT_EQ(GetCapturedStderr(), c.message);
-    }
+    for (const auto &c : cases)
+        EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_if_set_lan_state(c.ifname, 1), c.result); }), c.message);
 }
 
 TEST(Hostname, KernelAndFile)
 {
-    const struct {
-        const char *hostname;
-        const char *kernel;
-        const char *file;
-    } cases[] = {
-        {"ap-kitchen", "ap-kitchen", "ap-kitchen\n"},
-        {"", "localhost.localdomain", "\n"},
-        {nullptr, "localhost.localdomain", "\n"},
-        {"x", "x", "x\n"},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.hostname ? c.hostname : "(null)");
+    const char *dflt = "localhost.localdomain";
+    using row = std::tuple<const char *, const char *, const char *>;
+    for (auto [name, kernel, file] : {row{"ap-kitchen", "ap-kitchen", "ap-kitchen\n"}, {"", dflt, "\n"},
+                                      {nullptr, dflt, "\n"}, {"x", "x", "x\n"}}) {
         vdev::put("/etc/hostname", "old\n");
-        EXPECT_EQ(vesk_net_set_hostname(c.hostname), 0);
+        EXPECT_EQ(vesk_net_set_hostname(name), 0);
         utsname u;
         ASSERT_EQ(uname(&u), 0);
-        EXPECT_STREQ(u.nodename, c.kernel);
-        EXPECT_EQ(vdev::read("/etc/hostname"), c.file);
+        EXPECT_STREQ(u.nodename, kernel);
+        EXPECT_EQ(vdev::read("/etc/hostname"), file);
     }
     // Shell syntax never reaches the shell; the kernel takes the name.
     vdev::put("/etc/hostname", "old\n");
-    CaptureStderr();
-    EXPECT_EQ(vesk_net_set_hostname("ap;touch /tmp/owned"), -1);
-    EXPECT_EQ(GetCapturedStderr(), "vesk_net_set_hostname: invalid hostname!\n");
+    EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_net_set_hostname("ap;touch /tmp/owned"), -1); }),
+              "vesk_net_set_hostname: invalid hostname!\n");
     EXPECT_FALSE(vdev::exists("/tmp/owned"));
     EXPECT_EQ(vdev::read("/etc/hostname"), "old\n");
     // The command's failure is passed on.
@@ -222,17 +138,11 @@ TEST(Hostname, KernelAndFile)
 
 TEST(HostIp, FirstAddressOrLastSuccess)
 {
-    vdev::put("/etc/hosts", "127.0.0.1 localhost\n"
-                            "203.0.113.5 printer.lan\n"
-                            "2001:db8::5 six.lan\n");
+    vdev::put("/etc/hosts", "127.0.0.1 localhost\n203.0.113.5 printer.lan\n2001:db8::5 six.lan\n");
     char *buf = vesk_get_host_ip_by_name("no-such-host.invalid", AF_INET);
     EXPECT_STREQ(buf, ""); // nothing resolved yet
-    const struct {
-        const char *node;
-        int family;
-        const char *text; // after the call; a failure keeps the previous one
-        bool fails;
-    } cases[] = {
+    // The text after the call: a failure keeps the previous one.
+    const struct { const char *node; int family; const char *text; bool fails; } cases[] = {
         {"printer.lan", AF_INET, "203.0.113.5", false},
         {"six.lan", AF_INET6, "2001:db8::5", false},
         {"no-such-host.invalid", AF_UNSPEC, "2001:db8::5", true},
@@ -244,14 +154,9 @@ TEST(HostIp, FirstAddressOrLastSuccess)
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.node ? c.node : "(null)");
-        CaptureStderr();
-        EXPECT_EQ(vesk_get_host_ip_by_name(c.node, c.family), buf);
-        std::string err = GetCapturedStderr();
+        std::string err = stderr_of([&] { EXPECT_EQ(vesk_get_host_ip_by_name(c.node, c.family), buf); });
         EXPECT_STREQ(buf, c.text);
-        if (c.fails)
-            EXPECT_EQ(err.rfind("getaddrinfo: ", 0), 0u) << err;
-        else
-            EXPECT_EQ(err, "");
+        EXPECT_TRUE(c.fails ? err.rfind("getaddrinfo: ", 0) == 0 : err.empty()) << err;
     }
 }
 

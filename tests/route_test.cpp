@@ -4,74 +4,56 @@
 
 #include <string>
 
-#include "vdev.hpp"
+#include "net_helpers.hpp"
 #include "vesk_if.h"
 
 namespace {
-
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
-
-// A veth link of the device with an address on it, up.
-void add_link(const std::string &name, const std::string &cidr)
-{
-    ASSERT_EQ(vdev::sh("ip link add " + name + " type veth peer name " + name + "p && ip link set " + name +
-                       " up && ip link set " + name + "p up && ip addr add " + cidr + " dev " + name),
-              0);
-}
-
-void route(const std::string &args) { ASSERT_EQ(vdev::sh("ip route add " + args), 0) << args; }
 
 constexpr char kHeader[] = "Iface\tDestination\tGateway \tFlags\tRefCnt\tUse\tMetric\tMask\t\tMTU\tWindow\tIRTT\n";
 
 TEST(Gateway, RealRouteTable)
 {
-    add_link("wan0", "198.51.100.2/24");
-    add_link("eth3", "203.0.113.2/24");
-    // No default route yet: only the scenario's and these links' own routes.
+    // Two veth links with an address, up; no default route yet.
+    ASSERT_EQ(vdev::sh("for l in wan0:198.51.100.2 eth3:203.0.113.2; do n=${l%%:*}; ip link add $n type veth peer"
+                       " name ${n}p && ip link set $n up && ip link set ${n}p up && ip addr add ${l#*:}/24 dev $n"
+                       " || exit 1; done"), 0);
     EXPECT_STREQ(vesk_if_get_default_gateway(), "---");
     EXPECT_STREQ(vesk_if_get_gateway("wan0"), "---");
-
-    route("192.0.2.128/25 via 203.0.113.254 dev eth3");
-    route("default dev wan0 metric 5"); // point-to-point style: no gateway
-    route("default via 198.51.100.1 dev wan0 metric 10");
-
+    ASSERT_EQ(vdev::sh("ip route add 192.0.2.128/25 via 203.0.113.254 dev eth3"
+                       " && ip route add default dev wan0 metric 5" // point-to-point style: no gateway
+                       " && ip route add default via 198.51.100.1 dev wan0 metric 10"), 0);
     EXPECT_STREQ(vesk_if_get_default_gateway(), "198.51.100.1");
-    EXPECT_STREQ(vesk_if_get_gateway("wan0"), "198.51.100.1");
-    EXPECT_STREQ(vesk_if_get_gateway("eth3"), "203.0.113.254"); // any route with a gateway
-    EXPECT_STREQ(vesk_if_get_gateway("br0"), "---");
-    EXPECT_STREQ(vesk_if_get_gateway("wan"), "---"); // exact names only
-    EXPECT_STREQ(vesk_if_get_gateway(""), "---");
+    // Any route with a gateway counts; names match exactly.
+    for (auto [ifname, gateway] : {std::pair{"wan0", "198.51.100.1"}, {"eth3", "203.0.113.254"}, {"br0", "---"},
+                                   {"wan", "---"}, {"", "---"}})
+        EXPECT_STREQ(vesk_if_get_gateway(ifname), gateway) << ifname;
 }
 
-TEST(Gateway, TableFiles)
+TEST(Gateway, TableFilesAndBuffers)
 {
-    const struct {
-        const char *name;
-        std::string table;
-        const char *ifname, *gateway, *default_gateway;
-    } cases[] = {
-        {"header only", kHeader, "eth0", "---", "---"},
+    const std::string h = kHeader;
+    const struct { const char *name; std::string table; const char *ifname, *gateway, *default_gateway; } cases[] = {
+        {"header only", h, "eth0", "---", "---"},
         {"empty file", "", "eth0", "---", "---"},
-        {"one default route", std::string(kHeader) + "eth0 00000000 0101A8C0 0003 0 0 0 00000000 0 0 0\n", "eth0",
-         "192.168.1.1", "192.168.1.1"},
+        {"one default route", h + "eth0 00000000 0101A8C0 0003 0 0 0 00000000 0 0 0\n", "eth0", "192.168.1.1",
+         "192.168.1.1"},
         {"route of the interface ahead of its default",
-         std::string(kHeader) + "eth0\t0000A8C0\tFE01A8C0\t0003\t0\t0\t0\t0000FFFF\t0\t0\t0\n" +
+         h + "eth0\t0000A8C0\tFE01A8C0\t0003\t0\t0\t0\t0000FFFF\t0\t0\t0\n" +
              "eth0\t00000000\t0101A8C0\t0003\t0\t0\t0\t00000000\t0\t0\t0\n",
          "eth0", "192.168.1.254", "192.168.1.1"},
         {"first line is taken for the header whatever it holds",
          "eth0 00000000 0201A8C0 0003 0 0 0 00000000 0 0 0\neth0 00000000 0101A8C0 0003 0 0 0 00000000 0 0 0\n",
          "eth0", "192.168.1.1", "192.168.1.1"},
         {"line short of eight columns is skipped",
-         std::string(kHeader) + "eth0 00000000 0201A8C0 0003 0 0 0\n" + "ppp0 00000000 443322C0 0003 0 0 0 0\n",
-         "eth0", "---", "192.34.51.68"},
+         h + "eth0 00000000 0201A8C0 0003 0 0 0\n" + "ppp0 00000000 443322C0 0003 0 0 0 0\n", "eth0", "---",
+         "192.34.51.68"},
         {"interface name longer than a kernel's",
-         std::string(kHeader) + "averyveryverylongname 00000000 0201A8C0 0003 0 0 0 00000000\n" +
+         h + "averyveryverylongname 00000000 0201A8C0 0003 0 0 0 00000000\n" +
              "averyveryverylon 00000000 0301A8C0 0003 0 0 0 00000000\n" +
              "averyveryverylo 00000000 0401A8C0 0003 0 0 0 00000000\n",
          "averyveryverylongname", "---", "192.168.1.4"},
         {"overlong line does not leak into the next",
-         std::string(kHeader) + "eth0 00000000 00000000 0003 0 0 0 00000000" + std::string(300, ' ') +
+         h + "eth0 00000000 00000000 0003 0 0 0 00000000" + std::string(300, ' ') +
              "eth1 00000000 0501A8C0 0003 0 0 0 00000000\n",
          "eth1", "---", "---"},
     };
@@ -81,24 +63,17 @@ TEST(Gateway, TableFiles)
         EXPECT_STREQ(vesk_if_get_gateway(c.ifname), c.gateway);
         EXPECT_STREQ(vesk_if_get_default_gateway(), c.default_gateway);
     }
-}
-
-TEST(Gateway, BuffersAndBadInput)
-{
+    // Two buffers: one for an interface's gateway, one for the default.
     vdev::put("/proc/net/route", std::string(kHeader) + "eth0 00000000 0101A8C0 0003 0 0 0 00000000\n" +
                                      "eth1 0000A8C0 0201A8C0 0001 0 0 0 0000FFFF\n");
-    char *first = vesk_if_get_gateway("eth0");
-    char *def = vesk_if_get_default_gateway();
+    char *first = vesk_if_get_gateway("eth0"), *def = vesk_if_get_default_gateway();
     EXPECT_NE(first, def);
     EXPECT_EQ(vesk_if_get_gateway("eth1"), first);
     EXPECT_STREQ(first, "192.168.1.2");
     EXPECT_STREQ(def, "192.168.1.1");
-
-    CaptureStderr();
-    EXPECT_EQ(vesk_if_get_gateway(nullptr), nullptr);
-    EXPECT_EQ(GetCapturedStderr(), "vesk_if_get_gateway: interface = NULL!\n");
+    EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_if_get_gateway(nullptr), nullptr); }),
+              "vesk_if_get_gateway: interface = NULL!\n");
     EXPECT_STREQ(first, "192.168.1.2"); // a null name leaves the last answer alone
-
     vdev::remove("/proc/net/route");
     EXPECT_STREQ(vesk_if_get_gateway("eth0"), "---");
     EXPECT_STREQ(vesk_if_get_default_gateway(), "---");
@@ -106,31 +81,26 @@ TEST(Gateway, BuffersAndBadInput)
 
 TEST(Dns, ResolverFile)
 {
-    const struct {
-        const char *name;
-        std::string file;
-        const char *by_index[5]; // index -1, 0, 1, 2, 3
-    } cases[] = {
+    const char *no = "---";
+    // The answers for the index -1, 0, 1, 2, 3.
+    const struct { const char *name; std::string file; const char *by_index[5]; } cases[] = {
         {"two servers", "nameserver 8.8.8.8\nnameserver 8.8.4.4\n",
          {"8.8.8.8,8.8.4.4", "8.8.8.8,8.8.4.4", "8.8.8.8", "8.8.4.4", "8.8.8.8,8.8.4.4"}},
         {"placeholder keeps its place in the count", "nameserver 10.64.64.68\nnameserver 1.1.1.1\n",
-         {"1.1.1.1", "1.1.1.1", "---", "1.1.1.1", "1.1.1.1"}},
+         {"1.1.1.1", "1.1.1.1", no, "1.1.1.1", "1.1.1.1"}},
         {"0.0.0.0 and IPv6 are no IPv4 servers",
          "nameserver 0.0.0.0\nnameserver 2001:db8::1\nnameserver 192.0.2.53 # lan\n",
-         {"192.0.2.53", "192.0.2.53", "---", "---", "192.0.2.53"}},
+         {"192.0.2.53", "192.0.2.53", no, no, "192.0.2.53"}},
         {"other lines are not counted",
          "# nameserver 9.9.9.9\nsearch lan\n\n   \noptions ndots:1\n\tnameserver\t203.0.113.1\n"
          "nameservers 203.0.113.9\n",
-         {"203.0.113.1", "203.0.113.1", "203.0.113.1", "---", "203.0.113.1"}},
+         {"203.0.113.1", "203.0.113.1", "203.0.113.1", no, "203.0.113.1"}},
         {"nameserver without address is counted, and repeats nothing",
          "nameserver 198.51.100.1\nnameserver\nnameserver   \nnameserver 198.51.100.3\n",
-         {"198.51.100.1,198.51.100.3", "198.51.100.1,198.51.100.3", "198.51.100.1", "---",
-          "198.51.100.1,198.51.100.3"}},
-        {"address of 80 characters is dropped",
-         "nameserver " + std::string(80, '1') + "\nnameserver 192.0.2.1\n",
-         {"192.0.2.1", "192.0.2.1", "---", "192.0.2.1", "192.0.2.1"}},
-        {"no server", "search lan\n", {"---", "---", "---", "---", "---"}},
-        {"empty file", "", {"---", "---", "---", "---", "---"}},
+         {"198.51.100.1,198.51.100.3", "198.51.100.1,198.51.100.3", "198.51.100.1", no, "198.51.100.1,198.51.100.3"}},
+        {"address of 80 characters is dropped", "nameserver " + std::string(80, '1') + "\nnameserver 192.0.2.1\n",
+         {"192.0.2.1", "192.0.2.1", no, "192.0.2.1", "192.0.2.1"}},
+        {"empty file", "", {no, no, no, no, no}},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -139,6 +109,19 @@ TEST(Dns, ResolverFile)
             EXPECT_STREQ(vesk_if_get_dns_full(index, nullptr), c.by_index[index + 1]) << "index " << index;
         EXPECT_STREQ(vesk_if_get_dns(), c.by_index[1]);
     }
+    // Ten servers of 15 characters need 159 bytes: those that do not fit
+    // whole in the 128 are left out (eight servers and seven commas).
+    std::string file, all;
+    for (int i = 0; i < 10; i++) {
+        std::string addr = "255.255.255.25" + std::to_string(i);
+        file += "nameserver " + addr + "\n";
+        if (i < 8)
+            all += (all.empty() ? "" : ",") + addr;
+    }
+    vdev::put("/etc/resolv.conf", file);
+    EXPECT_EQ(vesk_if_get_dns(), all);
+    EXPECT_EQ(all.size(), 127u);
+    EXPECT_STREQ(vesk_if_get_dns_full(2, nullptr), "255.255.255.251");
 }
 
 TEST(Dns, SiblingFilesAndIpv6)
@@ -155,34 +138,15 @@ TEST(Dns, SiblingFilesAndIpv6)
     EXPECT_STREQ(__vesk_if_get_dns_full("/etc/resolv_ipv6.conf", 0, nullptr, 0), "192.0.2.9");
     EXPECT_STREQ(__vesk_if_get_dns_full(nullptr, 0, nullptr, 1), "---");
     // A name cut to fit its 80 bytes would open some other file.
-    vdev::put("/tmp/" + std::string(74, 'r'), "nameserver 192.0.2.2\n");
     std::string path = "/tmp/" + std::string(74, 'r');
+    vdev::put(path, "nameserver 192.0.2.2\n");
     EXPECT_STREQ(__vesk_if_get_dns_full(path.c_str(), 0, nullptr, 0), "192.0.2.2");
     EXPECT_STREQ(__vesk_if_get_dns_full(path.c_str(), 0, "w", 0), "---");
-
     // One buffer for the family: the next call replaces the text.
     char *v4 = vesk_if_get_dns();
     EXPECT_STREQ(v4, "192.0.2.1");
     EXPECT_EQ(vesk_if_get_v6_dns(0), v4);
     EXPECT_STREQ(v4, "2001:db8::53,192.0.2.9");
-}
-
-TEST(Dns, ListStaysInsideItsBuffer)
-{
-    // Ten servers of 15 characters need 159: those that do not fit whole
-    // are left out.
-    std::string file, all;
-    for (int i = 0; i < 10; i++) {
-        std::string addr = "255.255.255.25" + std::to_string(i);
-        file += "nameserver " + addr + "\n";
-        if (all.size() + addr.size() + 1 <= 128)
-            all += (all.empty() ? "" : ",") + addr;
-    }
-    vdev::put("/etc/resolv.conf", file);
-    const char *got = vesk_if_get_dns();
-    EXPECT_EQ(got, all);
-    EXPECT_EQ(strlen(got), 127u); // eight servers and seven commas
-    EXPECT_STREQ(vesk_if_get_dns_full(2, nullptr), "255.255.255.251");
 }
 
 } // namespace

@@ -5,27 +5,25 @@
 
 #include <string>
 
-#include "vdev.hpp"
+#include "net_helpers.hpp"
 #include "vesk_if.h"
 
 namespace {
-
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
 
 constexpr char kHeadFull[] =
     "Inter-|   Receive                                                |  Transmit\n"
     " face |bytes    packets errs drop fifo frame compressed multicast|bytes    packets errs drop fifo colls carrier "
     "compressed\n";
-constexpr char kHeadBytes[] = "Inter-|   Receive                           |  Transmit\n"
-                              " face |bytes    packets errs drop fifo frame|bytes    packets errs drop fifo colls carrier\n";
-constexpr char kHeadPackets[] = "Inter-|   Receive                  |  Transmit\n"
-                                " face |packets errs drop fifo frame|packets errs drop fifo colls carrier\n";
+constexpr char kZero[] = "0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0";
 
-// The sixteen scanned counters in the column order of a full row, and
-// the seven that the file never fills, which must stay 0.
-std::string row_of(const vesk_if_stats &s)
+// The counters of ifname read into a block of 0xAA bytes: the sixteen that
+// the file fills in the column order of a full row; the seven that it never
+// fills must be 0.
+std::string stats_row(const char *ifname, int result)
 {
+    vesk_if_stats s;
+    memset(&s, 0xAA, sizeof s);
+    EXPECT_EQ(vesk_if_get_stats(ifname, &s), result);
     char text[400];
     snprintf(text, sizeof text, "%llu %llu %u %u %u %u %u %u %llu %llu %u %u %u %u %u %u",
              (unsigned long long)s.rx_bytes, (unsigned long long)s.rx_packets, s.rx_errors, s.rx_dropped,
@@ -33,16 +31,8 @@ std::string row_of(const vesk_if_stats &s)
              (unsigned long long)s.tx_packets, s.tx_errors, s.tx_dropped, s.tx_fifo_errors, s.collisions,
              s.tx_carrier_errors, s.tx_compressed);
     EXPECT_EQ(s.rx_length_errors | s.rx_over_errors | s.rx_crc_errors | s.rx_missed_errors | s.tx_aborted_errors |
-                  s.tx_heartbeat_errors | s.tx_window_errors,
-              0u);
+                  s.tx_heartbeat_errors | s.tx_window_errors, 0u);
     return text;
-}
-
-constexpr char kZero[] = "0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0";
-
-unsigned long long sys_counter(const std::string &ifname, const char *name)
-{
-    return std::stoull(vdev::read("/sys/class/net/" + ifname + "/statistics/" + name));
 }
 
 TEST(Stats, RunningKernel)
@@ -51,78 +41,62 @@ TEST(Stats, RunningKernel)
     ASSERT_EQ(vdev::sh("ip link add eth5 type veth peer name eth5p && ip addr add 198.51.100.1/24 dev eth5 && "
                        "ip addr add 198.51.100.2/24 dev eth5p && ip link set eth5 up && ip link set eth5p up && "
                        "ip neigh replace 198.51.100.9 lladdr 02:00:00:00:00:09 dev eth5 nud permanent && "
-                       "bash -c 'for i in 1 2 3; do echo x > /dev/udp/198.51.100.9/9; done'"),
-              0);
+                       "bash -c 'for i in 1 2 3; do echo x > /dev/udp/198.51.100.9/9; done'"), 0);
     vesk_if_stats s;
     memset(&s, 0xAA, sizeof s);
     ASSERT_EQ(vesk_if_get_stats("eth5", &s), 1);
     EXPECT_GE(s.tx_packets, 3u);
-    EXPECT_EQ(s.tx_packets, sys_counter("eth5", "tx_packets"));
-    EXPECT_EQ(s.tx_bytes, sys_counter("eth5", "tx_bytes"));
-    EXPECT_EQ(s.rx_packets, sys_counter("eth5", "rx_packets"));
-    EXPECT_EQ(s.rx_bytes, sys_counter("eth5", "rx_bytes"));
     EXPECT_EQ(s.rx_length_errors, 0u);
-
-    memset(&s, 0xAA, sizeof s);
-    EXPECT_EQ(vesk_if_get_stats("eth9", &s), 0); // not there: all zero
-    EXPECT_EQ(row_of(s), kZero);
+    for (auto [name, value] : {std::pair<const char *, unsigned long long>{"rx_bytes", s.rx_bytes},
+                               {"rx_packets", s.rx_packets}, {"tx_bytes", s.tx_bytes}, {"tx_packets", s.tx_packets}})
+        EXPECT_EQ(std::to_string(value) + "\n", vdev::read(std::string("/sys/class/net/eth5/statistics/") + name));
+    EXPECT_EQ(stats_row("eth9", 0), kZero); // not there: all zero
 }
 
-TEST(Stats, Layouts)
+TEST(Stats, LayoutsBadInputAndMissingFile)
 {
-    const struct {
-        const char *name;
-        std::string file;
-        const char *ifname;
-        int result;
-        const char *row;
-    } cases[] = {
-        {"full", std::string(kHeadFull) + "    lo: 5 6 0 0 0 0 0 0 5 6 0 0 0 0 0 0\n" +
-                     "  eth0:1000 10 1 2 3 4 5 6 2000 20 7 8 9 11 12 13\n",
+    const std::string full = kHeadFull;
+    const struct { const char *name; std::string file; const char *ifname; int result; const char *row; } cases[] = {
+        {"full", full + "    lo: 5 6 0 0 0 0 0 0 5 6 0 0 0 0 0 0\n  eth0:1000 10 1 2 3 4 5 6 2000 20 7 8 9 11 12 13\n",
          "eth0", 1, "1000 10 1 2 3 4 5 6 2000 20 7 8 9 11 12 13"},
-        {"bytes, no compressed", std::string(kHeadBytes) + "  eth0: 1000 10 1 2 3 4 2000 20 7 8 9 11 12\n", "eth0", 1,
-         "1000 10 1 2 3 4 0 0 2000 20 7 8 9 11 12 0"},
-        {"packets only", std::string(kHeadPackets) + "  eth0: 10 1 2 3 4 20 7 8 9 11 12\n", "eth0", 1,
-         "0 10 1 2 3 4 0 0 0 20 7 8 9 11 12 0"},
-        {"64-bit counters", std::string(kHeadFull) + "eth1: 18446744073709551615 4294967296 0 0 0 0 0 0 1 2\n", "eth1",
-         1, "18446744073709551615 4294967296 0 0 0 0 0 0 1 2 0 0 0 0 0 0"},
+        {"bytes, no compressed",
+         "Inter-|   Receive                           |  Transmit\n"
+         " face |bytes    packets errs drop fifo frame|bytes    packets errs drop fifo colls carrier\n"
+         "  eth0: 1000 10 1 2 3 4 2000 20 7 8 9 11 12\n",
+         "eth0", 1, "1000 10 1 2 3 4 0 0 2000 20 7 8 9 11 12 0"},
+        {"packets only",
+         "Inter-|   Receive                  |  Transmit\n"
+         " face |packets errs drop fifo frame|packets errs drop fifo colls carrier\n"
+         "  eth0: 10 1 2 3 4 20 7 8 9 11 12\n",
+         "eth0", 1, "0 10 1 2 3 4 0 0 0 20 7 8 9 11 12 0"},
+        {"64-bit counters", full + "eth1: 18446744073709551615 4294967296 0 0 0 0 0 0 1 2\n", "eth1", 1,
+         "18446744073709551615 4294967296 0 0 0 0 0 0 1 2 0 0 0 0 0 0"},
         {"row cut at 128 bytes",
-         std::string(kHeadFull) + "  eth0: 1111111111111111 2222222222 3 4 5 6 7 8 9999999999999999 8888888888 " +
+         full + "  eth0: 1111111111111111 2222222222 3 4 5 6 7 8 9999999999999999 8888888888 " +
              "77777777 66666666 55555555 44444444" + std::string(20, ' ') + "3333333 2222222\n",
          "eth0", 1, "1111111111111111 2222222222 3 4 5 6 7 8 9999999999999999 8888888888 77777777 66666666 55555555 "
                     "44444444 0 0"},
         {"tail of a cut row is no row of its own",
-         std::string(kHeadFull) + "  eth0: 1 1 1 1 1 1 1 1 1 1 1 1 1 1 1 1" + std::string(100, ' ') + "eth2: 5\n", "eth2",
-         0, kZero},
-        {"prefix of a name does not match", std::string(kHeadFull) + "  eth0: 1 2 3\n", "eth", 0, kZero},
-        {"line without a colon", std::string(kHeadFull) + "  eth0 1 2 3\n", "eth0", 0, kZero},
-        {"name longer than a kernel's",
-         std::string(kHeadFull) + "  averyveryverylong: 1 2\n" + "averyveryverylo: 1 2\n", "averyveryverylong", 0,
-         kZero},
-        {"longest name", std::string(kHeadFull) + "averyveryverylo: 1 2\n", "averyveryverylo", 1,
-         "1 2 0 0 0 0 0 0 0 0 0 0 0 0 0 0"},
-        {"empty name matches no row", std::string(kHeadFull) + ": 1 2 3\n  1 2 3\n", "", 0, kZero},
-        {"header only", kHeadFull, "eth0", 0, kZero},
+         full + "  eth0: 1 1 1 1 1 1 1 1 1 1 1 1 1 1 1 1" + std::string(100, ' ') + "eth2: 5\n", "eth2", 0, kZero},
+        {"prefix of a name does not match", full + "  eth0: 1 2 3\n", "eth", 0, kZero},
+        {"line without a colon", full + "  eth0 1 2 3\n", "eth0", 0, kZero},
+        {"name longer than a kernel's", full + "  averyveryverylong: 1 2\naveryveryverylo: 1 2\n",
+         "averyveryverylong", 0, kZero},
+        {"longest name", full + "averyveryverylo: 1 2\n", "averyveryverylo", 1, "1 2 0 0 0 0 0 0 0 0 0 0 0 0 0 0"},
+        {"empty name matches no row", full + ": 1 2 3\n  1 2 3\n", "", 0, kZero},
+        {"header only", full, "eth0", 0, kZero},
         {"one header line", "Inter-|   Receive\n", "eth0", 0, kZero},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
         vdev::put("/proc/net/dev", c.file);
-        vesk_if_stats s;
-        memset(&s, 0xAA, sizeof s);
-        EXPECT_EQ(vesk_if_get_stats(c.ifname, &s), c.result);
-        EXPECT_EQ(row_of(s), c.row);
+        EXPECT_EQ(stats_row(c.ifname, c.result), c.row);
     }
-}
-
-TEST(Stats, BadInputAndMissingFile)
-{
     vesk_if_stats s;
-    CaptureStderr();
-    EXPECT_EQ(vesk_if_get_stats(nullptr, &s), 0);
-    EXPECT_EQ(vesk_if_get_stats("eth0", nullptr), 0);
-    EXPECT_EQ(GetCapturedStderr(), "vesk_if_get_stats: input error!\nvesk_if_get_stats: input error!\n");
-
+    EXPECT_EQ(stderr_of([&] {
+                  EXPECT_EQ(vesk_if_get_stats(nullptr, &s), 0);
+                  EXPECT_EQ(vesk_if_get_stats("eth0", nullptr), 0);
+              }), "vesk_if_get_stats: input error!\nvesk_if_get_stats: input error!\n");
     vdev::remove("/proc/net/dev");
     memset(&s, 0xAA, sizeof s);
     EXPECT_EQ(vesk_if_get_stats("lo", &s), 0);

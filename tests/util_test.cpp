@@ -6,21 +6,14 @@
 
 #include <string>
 
-#include "vdev.hpp"
+#include "net_helpers.hpp"
 #include "vesk_util.h"
 
 namespace {
 
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
-
 TEST(CheckString, Escapes)
 {
-    const struct {
-        const char *text;
-        const char *web;
-        const char *shell;
-    } cases[] = {
+    const struct { const char *text, *web, *shell; } cases[] = {
         {"a\"b\\c", "a\\\"b\\\\c", "a\\\"b\\\\c"},
         {"a b;c", "a b;c", "a\\ b\\;c"},
         {"$HOME & `id` | (x) *;<>~#'", "$HOME & `id` | (x) *;<>~#'",
@@ -53,7 +46,7 @@ TEST(CheckString, Escapes)
     vesk_util_check_string_on_web("x", nullptr); // no destination: nothing happens
 }
 
-// /dev/urandom of the device as a plain file of the test's making.
+// /dev/urandom of the device as a plain file of the test's making, or none.
 void replace_urandom(const std::string *content)
 {
     vdev::sh("umount /dev/urandom 2>/dev/null");
@@ -62,74 +55,45 @@ void replace_urandom(const std::string *content)
         vdev::put("/dev/urandom", *content);
 }
 
-int rand_after(unsigned int seed)
-{
-    srand(seed);
-    return rand();
-}
-
 TEST(RandomNum, SeedsFromTheKernelPool)
 {
     // The real pool: two draws differ (a chance of one in 2^31 of a fault).
-    int first = vesk_util_generate_random_num();
-    EXPECT_NE(first, vesk_util_generate_random_num());
-
+    EXPECT_NE(vesk_util_generate_random_num(), vesk_util_generate_random_num());
     const std::string four("\x78\x56\x34\x12rest", 8), two("\x01\x02", 2), none;
-    const struct {
-        const char *name;
-        const std::string *pool; // null: no /dev/urandom
-        int result;
-    } cases[] = {
-        {"four bytes make the seed", &four, rand_after(0x12345678)},
-        {"short read seeds with 0", &two, rand_after(0)},
-        {"empty pool seeds with 0", &none, rand_after(0)},
-        {"no pool", nullptr, 0},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
-        replace_urandom(c.pool);
-        EXPECT_EQ(vesk_util_generate_random_num(), c.result);
+    // Four bytes make the seed; a short read or an empty pool seeds with 0.
+    for (auto [pool, seed] : {std::pair{&four, 0x12345678u}, {&two, 0u}, {&none, 0u}}) {
+        replace_urandom(pool);
+        srand(seed);
+        int want = rand();
+        EXPECT_EQ(vesk_util_generate_random_num(), want) << pool->size();
     }
+    replace_urandom(nullptr);
+    EXPECT_EQ(vesk_util_generate_random_num(), 0);
 }
 
 TEST(RandomSeed, StirsMacAndTimeIntoThePool)
 {
     ASSERT_EQ(vdev::sh("ip link add eth7 type veth peer name eth7p && ip link set eth7 address 00:11:22:33:44:55 && "
-                       "ip link set eth7p address 00:00:ff:ff:ff:ff"),
-              0);
-    const struct {
-        const char *ifname;
-        unsigned int mac_value;
-    } cases[] = {
-        {"eth7", 0x22334455},
-        {"eth7p", 0xFEFEFEFF}, // bytes of 0xFF count as -1
-        {nullptr, 0},
-        {"nosuch0", 0},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.ifname ? c.ifname : "(null)");
+                       "ip link set eth7p address 00:00:ff:ff:ff:ff"), 0);
+    // Bytes of 0xFF count as -1.
+    for (auto [ifname, mac] : {std::pair<const char *, unsigned>{"eth7", 0x22334455}, {"eth7p", 0xFEFEFEFF},
+                               {nullptr, 0}, {"nosuch0", 0}}) {
+        SCOPED_TRACE(ifname ? ifname : "(null)");
         const std::string empty;
         replace_urandom(&empty); // catch the echo in a file
-        unsigned int before = static_cast<unsigned int>(time(nullptr));
-        CaptureStderr();
-        EXPECT_EQ(vesk_util_generate_random_seed(c.ifname), 0);
-        std::string printed = GetCapturedStderr();
-        unsigned int after = static_cast<unsigned int>(time(nullptr));
-
-        unsigned int mac = 1, now = 0;
-        ASSERT_EQ(sscanf(printed.c_str(), "Mac: %u, rtcTime:%u\n", &mac, &now), 2) << printed;
-        EXPECT_EQ(printed, "Mac: " + std::to_string(c.mac_value) + ", rtcTime:" + std::to_string(now) + "\n");
-        EXPECT_EQ(mac, c.mac_value);
+        unsigned int before = time(nullptr), now = 0;
+        std::string printed = stderr_of([&] { EXPECT_EQ(vesk_util_generate_random_seed(ifname), 0); });
+        unsigned int after = time(nullptr);
+        ASSERT_EQ(sscanf(printed.c_str(), "Mac: %*u, rtcTime:%u\n", &now), 1) << printed;
+        EXPECT_EQ(printed, "Mac: " + std::to_string(mac) + ", rtcTime:" + std::to_string(now) + "\n");
         EXPECT_GE(now, before);
         EXPECT_LE(now, after);
-        EXPECT_EQ(vdev::read("/dev/urandom"), std::to_string(c.mac_value + now) + "\n");
+        EXPECT_EQ(vdev::read("/dev/urandom"), std::to_string(mac + now) + "\n");
     }
     // The result is CMD's: a pool that cannot be written fails the echo.
     replace_urandom(nullptr);
     ASSERT_EQ(vdev::sh("mkdir /dev/urandom"), 0);
-    CaptureStderr();
-    EXPECT_NE(vesk_util_generate_random_seed(nullptr), 0);
-    GetCapturedStderr();
+    stderr_of([] { EXPECT_NE(vesk_util_generate_random_seed(nullptr), 0); });
 }
 
 } // namespace
