@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "output_of.hpp"
 #include "vdev.hpp"
 
 // The interface's MAC address as the kernel shows it in /sys.
@@ -18,14 +19,6 @@ inline std::vector<unsigned char> sys_mac(const char *ifname)
     std::string text = vdev::read(std::string("/sys/class/net/") + ifname + "/address");
     EXPECT_EQ(sscanf(text.c_str(), "%x:%x:%x:%x:%x:%x", &b[0], &b[1], &b[2], &b[3], &b[4], &b[5]), 6);
     return {b, b + 6};
-}
-
-// What fn writes to standard error.
-template <typename F> std::string stderr_of(F &&fn)
-{
-    testing::internal::CaptureStderr();
-    fn();
-    return testing::internal::GetCapturedStderr();
 }
 
 // Runs fn in a child process that cannot open any descriptor; the child
