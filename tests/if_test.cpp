@@ -99,6 +99,7 @@ TEST(IfQuery, NullNameAndNoSocket)
 
 TEST(IfLanState, AbsentDeviceIsNoError)
 {
+    VDEV_SKIP_UNDER_QEMU("qemu-user answers the private request 0x89FD with ENOSYS");
     // No driver here knows the private request: an absent device gives
     // ENODEV, a present one refuses the request.
     const std::string failed = "vesk_if_set_lan_state: SIOCDEVSTATE on ";

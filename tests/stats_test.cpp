@@ -38,7 +38,10 @@ std::string stats_row(const char *ifname, int result)
 TEST(Stats, RunningKernel)
 {
     // Traffic over a veth pair of the device's own namespace.
-    ASSERT_EQ(vdev::sh("ip link add eth5 type veth peer name eth5p && ip addr add 198.51.100.1/24 dev eth5 && "
+    ASSERT_EQ(vdev::sh("ip link add eth5 type veth peer name eth5p && "
+                       // no IPv6 chatter between the two readings
+                       "echo 1 >/proc/sys/net/ipv6/conf/eth5/disable_ipv6 && echo 1 >/proc/sys/net/ipv6/conf/eth5p/disable_ipv6 && "
+                       "ip addr add 198.51.100.1/24 dev eth5 && "
                        "ip addr add 198.51.100.2/24 dev eth5p && ip link set eth5 up && ip link set eth5p up && "
                        "ip neigh replace 198.51.100.9 lladdr 02:00:00:00:00:09 dev eth5 nud permanent && "
                        "bash -c 'for i in 1 2 3; do echo x > /dev/udp/198.51.100.9/9; done'"), 0);

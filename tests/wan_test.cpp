@@ -55,9 +55,12 @@ TEST(PppStatus, DaemonGatewayAndRouteCheck)
                                          "ppp0\t00000000\t" + word + "\t0003\t0\t0\t0\t00000000\n");
         EXPECT_EQ(vesk_wan_get_ppp_status(pid_name, "ppp0"), status) << word << " " << pid_name;
     }
-    // A route check that cannot be run at all: no shell.
-    ASSERT_EQ(vdev::sh("mount --bind /dev/null /bin/sh"), 0);
-    EXPECT_EQ(vesk_wan_get_ppp_status("pppd", "ppp0"), 2);
+    // A route check that cannot be run at all: no shell. Under qemu-user the
+    // failed exec shows as a shell that ended with 127, not as a failed spawn.
+    if (!vdev::under_qemu()) {
+        ASSERT_EQ(vdev::sh("mount --bind /dev/null /bin/sh"), 0);
+        EXPECT_EQ(vesk_wan_get_ppp_status("pppd", "ppp0"), 2);
+    }
 }
 
 TEST(WanDetection, MarkerFiles)

@@ -41,13 +41,15 @@ extern "C" {
 
 unsigned int vesk_get_x_time(void)
 {
-    long seconds = 0;
-    long hundredths = 0;
+    // 64-bit words, so that the board (32-bit long) and a host read the
+    // same number from the same text.
+    long long seconds = 0;
+    long long hundredths = 0;
     vesk::unique_file f = vesk::open_file("/proc/uptime", "r");
     if (!f)
         return 0;
     char line[kUptimeLineSize];
-    if (fgets(line, sizeof line, f.get()) && sscanf(line, "%ld.%ld", &seconds, &hundredths) >= 1 && seconds >= 0)
+    if (fgets(line, sizeof line, f.get()) && sscanf(line, "%lld.%lld", &seconds, &hundredths) >= 1 && seconds >= 0)
         return static_cast<unsigned int>(seconds);
     return 0;
 }
