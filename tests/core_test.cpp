@@ -12,27 +12,21 @@ int calls_until_true; // the condition turns true on this call (0: never)
 int cond_calls;
 int counting_cond() { return ++cond_calls == calls_until_true; }
 
-struct wait_case {
-    const char *name;
-    int true_on_call; // 0: never true; -1: null condition
-    int ticks;
-    int result;
-    int tests;  // how often the condition is asked
-    int sleeps; // how many 100 ms ticks are slept
-};
-
 TEST(Wait, FunctionConditionIsPolledWithinItsBound)
 {
-    const wait_case cases[] = {
-        {"true at once", 1, 5, 1, 1, 0},
-        {"true on third test", 3, 5, 1, 3, 2},
-        {"true on last test", 6, 5, 1, 6, 5},
-        {"never true", 0, 5, 0, 6, 6},
-        {"default ticks", 0, 0, 0, 11, 11},
-        {"negative ticks take default", 0, -5, 0, 11, 11},
+    const struct {
+        const char *name;
+        int true_on_call; // 0: never true; -1: null condition
+        int ticks, result;
+        int tests;  // how often the condition is asked
+        int sleeps; // how many 100 ms ticks are slept
+    } cases[] = {
+        {"true at once", 1, 5, 1, 1, 0},   {"true on third test", 3, 5, 1, 3, 2},
+        {"true on last test", 6, 5, 1, 6, 5}, {"never true", 0, 5, 0, 6, 6},
+        {"default ticks", 0, 0, 0, 11, 11}, {"negative ticks take default", 0, -5, 0, 11, 11},
         {"null condition sleeps it all", -1, 1, 0, 0, 2},
     };
-    for (const wait_case &c : cases) {
+    for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
         fake_sleep::reset();
         cond_calls = 0;
@@ -57,15 +51,12 @@ TEST(Wait, ValueConditionSleepsOnlyWhenFalse)
     }
 }
 
-TEST(DeviceState, UsbootFollowsTheMarker)
+TEST(DeviceState, UsbootMarkerAndScheduleEnable)
 {
     EXPECT_EQ(vesk_get_usboot(), 0);
     ASSERT_EQ(mkdir("/mnt/usboot", 0755), 0);
     EXPECT_EQ(vesk_get_usboot(), 1);
-}
 
-TEST(DeviceState, ScheduleEnableReadsTheStore)
-{
     EXPECT_EQ(vesk_util_get_sch_en(), 0); // absent key
     for (int v : {1, 0, 5, -1}) {
         ASSERT_EQ(quil_set_value(&v, "schedule_en"), 0);

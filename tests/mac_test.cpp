@@ -4,12 +4,10 @@
 #include <string>
 
 #include "exact_copy.hpp"
+#include "stderr_of.hpp"
 #include "vesk_mac.h"
 
 namespace {
-
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
 
 using mac = std::array<unsigned char, 6>;
 
@@ -19,39 +17,32 @@ TEST(Mac, BinaryToText)
         mac bin;
         const char *text;
     } cases[] = {{{0x00, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E}, "00:1A:2B:3C:4D:5E"},
-                 {{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, "FF:FF:FF:FF:FF:FF"},
-                 {{0, 0, 0, 0, 0, 0}, "00:00:00:00:00:00"}};
+                 {{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, "FF:FF:FF:FF:FF:FF"}};
     for (const auto &c : cases) {
         char dst[18];
         memset(dst, 'x', sizeof dst);
         EXPECT_EQ(vesk_mac_bin_2_str(dst, c.bin.data()), 17);
         EXPECT_STREQ(dst, c.text);
     }
-    CaptureStderr();
-    EXPECT_EQ(vesk_mac_bin_2_str(nullptr, cases[0].bin.data()), 0);
-    EXPECT_EQ(GetCapturedStderr(), "Error! vesk_mac_bin_2_str dst_str is null!\n");
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_mac_bin_2_str(nullptr, cases[0].bin.data()), 0); }),
+              "Error! vesk_mac_bin_2_str dst_str is null!\n");
 }
 
 TEST(Mac, TextToBinary)
 {
-    const mac zero{};
+    const mac zero{}, plain{0x00, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E};
     const struct {
         std::string text;
         int result;
         mac bin;
     } cases[] = {
-        {"00:1a:2b:3c:4d:5e", 1, {0x00, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E}},
-        {"001A2B3C4D5E", 1, {0x00, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E}},
-        {"001A:2B3C:4D5E", 1, {0x00, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E}},
-        {"AAB:BCCD:DEEFF", 1, {0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF}},
+        {"00:1a:2b:3c:4d:5e", 1, plain},
+        {"AAB:BCCD:DEEFF", 1, {0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF}},   // colons anywhere
         {"A:BB:CC:DD:EE:FF", 1, {0xAB, 0xBC, 0xCD, 0xDE, 0xEF, 0x0F}}, // 11 digits
-        {"00:1A:2B:3C:4D:5E:FF", 1, {0x00, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E}},
-        {"00:1A:2B:3C:4D", 0, zero},
-        {"GGGGGGGGGGGG", 0, zero},
-        {"1:2:3:4:5:6", 0, zero},
-        {"", 0, zero},
+        {"00:1A:2B:3C:4D:5E:FF", 1, plain},
+        {"00:1A:2B:3C:4D", 0, zero}, {"GGGGGGGGGGGG", 0, zero}, {"1:2:3:4:5:6", 0, zero}, {"", 0, zero},
         // Colons fill up the work area like any character: 79 fit, 80 do not.
-        {std::string(67, ':') + "001A2B3C4D5E", 1, {0x00, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E}},
+        {std::string(67, ':') + "001A2B3C4D5E", 1, plain},
         {std::string(68, ':') + "001A2B3C4D5E", 0, zero},
         {"001A2B3C4D5E" + std::string(500, 'F'), 0, zero},
     };
@@ -60,18 +51,15 @@ TEST(Mac, TextToBinary)
         exact_copy text(c.text);
         mac bin;
         bin.fill(0x77);
-        CaptureStderr();
-        EXPECT_EQ(vesk_mac_str_2_bin(bin.data(), text), c.result);
-        EXPECT_EQ(GetCapturedStderr(), "");
+        EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_mac_str_2_bin(bin.data(), text), c.result); }), "");
         EXPECT_EQ(bin, c.bin);
         EXPECT_EQ(std::string(text), c.text); // the caller's text is not changed
     }
-    mac bin;
+    mac bin, untouched;
     bin.fill(0x77);
-    CaptureStderr();
-    EXPECT_EQ(vesk_mac_str_2_bin(bin.data(), nullptr), 0);
-    EXPECT_EQ(GetCapturedStderr(), "Error! vesk_mac_str_2_bin input is NULL!\n");
-    const mac untouched{0x77, 0x77, 0x77, 0x77, 0x77, 0x77};
+    untouched.fill(0x77);
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_mac_str_2_bin(bin.data(), nullptr), 0); }),
+              "Error! vesk_mac_str_2_bin input is NULL!\n");
     EXPECT_EQ(bin, untouched);
 }
 
@@ -84,18 +72,15 @@ TEST(Mac, AddColon)
         {"001a2b3c4d5e", "00:1a:2b:3c:4d:5e", 1},
         {"ZZZZZZZZZZZZ", "ZZ:ZZ:ZZ:ZZ:ZZ:ZZ", 1}, // characters are not looked at
         {"00:1a:2b:3c:4d:5e", "00:1a:2b:3c:4d:5e", 0},
-        {"001a2b3c4d5", "001a2b3c4d5", 0},
-        {"001a2b3c4d5e0", "001a2b3c4d5e0", 0},
-        {"", "", 0},
+        {"001a2b3c4d5", "001a2b3c4d5", 0}, {"001a2b3c4d5e0", "001a2b3c4d5e0", 0},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.text);
         char buf[18 + 1];
         memset(buf, '#', sizeof buf);
         strcpy(buf, c.text);
-        CaptureStderr();
-        EXPECT_EQ(vesk_mac_add_colon(buf), c.result);
-        EXPECT_EQ(GetCapturedStderr(), c.result ? "" : "Error! vesk_mac_add_colon, macstr len is invalied\n");
+        EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_mac_add_colon(buf), c.result); }),
+                  c.result ? "" : "Error! vesk_mac_add_colon, macstr len is invalied\n");
         EXPECT_STREQ(buf, c.after);
         EXPECT_EQ(buf[18], '#'); // nothing written behind the 18 bytes
     }
@@ -109,13 +94,9 @@ TEST(Mac, ValidText)
         bool len_message;
     } cases[] = {
         {"00:1A:2B:3C:4D:5E", 1, false},
-        {"001a2b3c4d5e", 1, false},
         {"ZZZZZZZZZZZZ", 1, false}, // only length and 7-bit text count
-        {"::001A2B3C4D5E::", 1, false},
         {"00:1A:2B:3C:4D:5\xC5", 0, false},
-        {"00:1A:2B:3C:4D:5E:FF", 0, true},
-        {"00:1A:2B:3C:4D", 0, true},
-        {"", 0, true},
+        {"00:1A:2B:3C:4D:5E:FF", 0, true}, {"00:1A:2B:3C:4D", 0, true},
         {std::string(67, ':') + "001A2B3C4D5E", 1, false},
         {std::string(68, ':') + "001A2B3C4D5E", 0, true},
         {std::string(1000, 'A'), 0, true},
@@ -123,13 +104,11 @@ TEST(Mac, ValidText)
     for (const auto &c : cases) {
         SCOPED_TRACE(c.text);
         exact_copy text(c.text);
-        CaptureStderr();
-        EXPECT_EQ(vesk_mac_is_valid_str(text), c.result);
-        EXPECT_EQ(GetCapturedStderr(), c.len_message ? "vesk_mac_is_valid_str: mac_str[" + c.text + "] len error!\n" : "");
+        EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_mac_is_valid_str(text), c.result); }),
+                  c.len_message ? "vesk_mac_is_valid_str: mac_str[" + c.text + "] len error!\n" : "");
     }
-    CaptureStderr();
-    EXPECT_EQ(vesk_mac_is_valid_str(nullptr), 0);
-    EXPECT_EQ(GetCapturedStderr(), "vesk_mac_is_valid_str: input is NULL!\n");
+    EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_mac_is_valid_str(nullptr), 0); }),
+              "vesk_mac_is_valid_str: input is NULL!\n");
 }
 
 TEST(Mac, Equality)
@@ -142,10 +121,11 @@ TEST(Mac, Equality)
     }
     mac same = a;
     EXPECT_EQ(vesk_mac_bin_is_equal(a.data(), same.data()), 1);
-    CaptureStderr();
-    EXPECT_EQ(vesk_mac_bin_is_equal(nullptr, a.data()), 0);
-    EXPECT_EQ(vesk_mac_bin_is_equal(a.data(), nullptr), 0);
-    EXPECT_EQ(GetCapturedStderr(), "vesk_mac_bin_is_equal: input error!\nvesk_mac_bin_is_equal: input error!\n");
+    EXPECT_EQ(stderr_of([&] {
+                  EXPECT_EQ(vesk_mac_bin_is_equal(nullptr, a.data()), 0);
+                  EXPECT_EQ(vesk_mac_bin_is_equal(a.data(), nullptr), 0);
+              }),
+              "vesk_mac_bin_is_equal: input error!\nvesk_mac_bin_is_equal: input error!\n");
 }
 
 TEST(Mac, InRange)
@@ -153,37 +133,31 @@ TEST(Mac, InRange)
     const struct {
         const char *b1, *b2, *mac;
         int result;
+        const char *message;
     } cases[] = {
-        {"00:11:22:33:44:00", "00:11:22:33:44:FF", "00:11:22:33:44:55", 1},
-        {"00:11:22:33:44:FF", "00:11:22:33:44:00", "00:11:22:33:44:55", 1},
-        {"00:11:22:33:44:00", "00:11:22:33:44:FF", "00:11:22:33:44:00", 1},
-        {"00:11:22:33:44:00", "00:11:22:33:44:FF", "00:11:22:33:44:FF", 1},
-        {"00:11:22:33:44:55", "00:11:22:33:44:55", "00:11:22:33:44:55", 1},
-        {"00:11:22:33:44:55", "00:11:22:33:44:55", "00:11:22:33:44:56", 0},
-        {"00:11:22:33:44:00", "00:11:22:33:44:FF", "00:11:22:33:45:00", 0},
+        {"00:11:22:33:44:00", "00:11:22:33:44:FF", "00:11:22:33:44:55", 1, ""},
+        {"00:11:22:33:44:FF", "00:11:22:33:44:00", "00:11:22:33:44:55", 1, ""},
+        {"00:11:22:33:44:00", "00:11:22:33:44:FF", "00:11:22:33:44:00", 1, ""},
+        {"00:11:22:33:44:00", "00:11:22:33:44:FF", "00:11:22:33:44:FF", 1, ""},
+        {"00:11:22:33:44:55", "00:11:22:33:44:55", "00:11:22:33:44:56", 0, ""},
+        {"00:11:22:33:44:01", "00:11:22:33:44:FF", "00:11:22:33:44:00", 0, ""},
         // Crossing a vendor prefix; the high bytes weigh most.
-        {"00:11:22:FF:FF:F0", "00:11:23:00:00:10", "00:11:23:00:00:01", 1},
-        {"00:00:FF:FF:FF:FF", "00:01:00:00:00:00", "01:00:00:00:00:00", 0},
-        {"7F:FF:FF:FF:FF:FF", "FF:FF:FF:FF:FF:FF", "80:00:00:00:00:00", 1}, // unsigned
-        {"00:00:00:00:00:00", "00:00:00:00:00:01", "ZZZZZZZZZZZZ", 1},     // counts as zero
+        {"00:11:22:FF:FF:F0", "00:11:23:00:00:10", "00:11:23:00:00:01", 1, ""},
+        {"00:00:FF:FF:FF:FF", "00:01:00:00:00:00", "01:00:00:00:00:00", 0, ""},
+        {"7F:FF:FF:FF:FF:FF", "FF:FF:FF:FF:FF:FF", "80:00:00:00:00:00", 1, ""}, // unsigned
+        {"00:00:00:00:00:00", "00:00:00:00:00:01", "ZZZZZZZZZZZZ", 1, ""},     // counts as zero
+        // The first text that fails the check ends the test, after its message.
+        {"00:11", nullptr, "00:11:22:33:44:55", 0,
+         "vesk_mac_is_valid_str: mac_str[00:11] len error!\nvesk_mac_is_in_range_str: input is incorrect!\n"},
+        {"00:11:22:33:44:00", nullptr, "00:11", 0,
+         "vesk_mac_is_valid_str: input is NULL!\nvesk_mac_is_in_range_str: input is incorrect!\n"},
     };
     for (const auto &c : cases) {
-        SCOPED_TRACE(std::string(c.b1) + " " + c.b2 + " " + c.mac);
-        exact_copy b1(c.b1), b2(c.b2), m(c.mac);
-        CaptureStderr();
-        EXPECT_EQ(vesk_mac_is_in_range_str(b1, b2, m), c.result);
-        EXPECT_EQ(GetCapturedStderr(), "");
+        SCOPED_TRACE(std::string(c.b1) + " " + (c.b2 ? c.b2 : "(null)") + " " + c.mac);
+        exact_copy b1(c.b1), b2(c.b2 ? c.b2 : ""), m(c.mac);
+        EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_mac_is_in_range_str(b1, c.b2 ? b2.get() : nullptr, m), c.result); }),
+                  c.message);
     }
-
-    // The first text that fails the check ends the test, after its message.
-    CaptureStderr();
-    EXPECT_EQ(vesk_mac_is_in_range_str("00:11", nullptr, "00:11:22:33:44:55"), 0);
-    EXPECT_EQ(GetCapturedStderr(), "vesk_mac_is_valid_str: mac_str[00:11] len error!\n"
-                                   "vesk_mac_is_in_range_str: input is incorrect!\n");
-    CaptureStderr();
-    EXPECT_EQ(vesk_mac_is_in_range_str("00:11:22:33:44:00", nullptr, "00:11"), 0);
-    EXPECT_EQ(GetCapturedStderr(), "vesk_mac_is_valid_str: input is NULL!\n"
-                                   "vesk_mac_is_in_range_str: input is incorrect!\n");
 }
 
 } // namespace
