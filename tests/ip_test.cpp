@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "stderr_of.hpp"
+#include "output_of.hpp"
 #include "vdev.hpp"
 #include "vesk_ip.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "stderr_of.hpp"
+#include "output_of.hpp"
 #include "vesk_mac.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 #include "quil.h"
-#include "stderr_of.hpp"
+#include "output_of.hpp"
 #include "sysapi.h"
 #include "vdev.hpp"
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "exact_copy.hpp"
-#include "stderr_of.hpp"
+#include "output_of.hpp"
 #include "vesk_string.h"
 
 namespace {
