@@ -84,6 +84,21 @@ TEST(FileQueries, PidFileNamesALiveProcess)
     EXPECT_EQ(osapi_is_proc_pid_existed("/var/run/none.pid"), 0);
 }
 
+TEST(Uptime, SecondsWordFollowsTheDevicesUptime)
+{
+    // The survey files compare this word across calls: the emulated device
+    // must be able to move it.
+    const struct { const char *text; uint32_t sec, usec; } cases[] = {
+        {"3125.47 6012.33\n", 3125, 470000}, {"7 1\n", 7, 0}, {"86400.123456789 0\n", 86400, 123456}};
+    for (const auto &c : cases) {
+        vdev::put("/proc/uptime", c.text);
+        uint32_t tv[2] = {1, 1};
+        x_gettimeofday(tv);
+        EXPECT_EQ(tv[0], c.sec) << c.text;
+        EXPECT_EQ(tv[1], c.usec) << c.text;
+    }
+}
+
 TEST(SystemLog, AppendsToMessages)
 {
     system_log(0, "disk full");
