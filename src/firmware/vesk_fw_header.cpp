@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "core/unique.hpp"
+#include "core/version.hpp"
 #include "firmware/fw_types.hpp"
 #include "sysapi.h"
 #include "vesk_string.h"
@@ -167,9 +168,7 @@ unsigned int vesk_get_firmware_header_version_dec(const vesk_fw_header *header)
     std::string_view v = FIELD_TEXT(header, code_version);
     memcpy(text, v.data(), v.size());
     // Numbers the text does not hold count as 0, the first two as well.
-    unsigned int major = 0, minor = 0, patch = 0;
-    sscanf(text, "%u.%u.%u", &major, &minor, &patch);
-    return major * 10000 + minor * 100 + patch;
+    return vesk::version_number(text);
 }
 
 int vesk_decode_firmware(const char *path)

@@ -7,6 +7,7 @@
 #include <iterator>
 
 #include "core/unique.hpp"
+#include "core/version.hpp"
 #include "vesk_product.h"
 
 namespace {
@@ -41,11 +42,11 @@ int vesk_product_check_new_fw_by_str(const char *str)
 {
     if (!str)
         return 0;
-    unsigned int major, minor, patch = 0;
     // Without at least major and minor there is no version to compare.
-    if (sscanf(str, "%u.%u.%u", &major, &minor, &patch) < 2)
+    int fields;
+    uint32_t candidate = vesk::version_number(str, &fields);
+    if (fields < 2)
         return 0;
-    uint32_t candidate = major * 10000u + minor * 100u + patch;
     return vesk_product_get_fw_version_dec() < candidate ? 1 : 0;
 }
 

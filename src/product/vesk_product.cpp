@@ -7,6 +7,7 @@
 
 #include <iterator>
 
+#include "core/version.hpp"
 #include "sysapi.h"
 
 namespace {
@@ -206,9 +207,7 @@ char *vesk_product_get_fw_version(void)
 
 uint32_t vesk_product_get_fw_version_dec(void)
 {
-    unsigned int major = 0, minor = 0, patch = 0;
-    sscanf(vesk_product_get_fw_version(), "%u.%u.%u", &major, &minor, &patch);
-    return major * 10000u + minor * 100u + patch;
+    return vesk::version_number(vesk_product_get_fw_version());
 }
 
 const char *vesk_product_get_fw_build_date(void) { return kFwBuildDate; }
