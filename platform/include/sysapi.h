@@ -17,7 +17,10 @@
 extern "C" {
 #endif
 
-/* Formats a command line and runs it through "/bin/sh -c", waiting for it.
+/* Inside the emulated device both record each command line, verbatim, in
+ * its journal before running it.
+ *
+ * Formats a command line and runs it through "/bin/sh -c", waiting for it.
  * Returns 0 when the command exited with status 0, the exit status (or 128
  * plus the signal) when it failed, and -1 when it could not be run. */
 SYSAPI_EXPORT int CMD(const char *format, ...) SYSAPI_PRINTF(1, 2);
@@ -26,7 +29,8 @@ SYSAPI_EXPORT int CMD(const char *format, ...) SYSAPI_PRINTF(1, 2);
  * wrote to standard output in buf: at most size - 1 bytes and a terminator.
  * Output beyond that is read and dropped, so the command never blocks on a
  * full pipe. Result:
- *   -1  the command could not be run; buf is left as it was
+ *   -1  the command could not be run (also when the shell reports so, with
+ *       exit status 126 or 127); buf is left as it was when nothing started
  *    0  it ran and failed (non-zero exit status or killed by a signal)
  *    1  it ran and exited with status 0, whether or not it printed anything
  * buf holds the captured output in both of the last two cases. */

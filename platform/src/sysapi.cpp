@@ -41,6 +41,38 @@ unique_heap format_command(const char *format, va_list ap)
 
 constexpr int kCouldNotRun = -1;
 
+// Inside the emulated device every command line is added to its journal
+// before the shell sees it, as "$ " and the line with backslash, newline,
+// tab, carriage return and other control bytes escaped C-style, so a line
+// keeps its exact bytes, trailing blanks included.
+void journal_command(const char *line)
+{
+    unique_fd journal(open("/run/vdev/journal", O_WRONLY | O_APPEND | O_CLOEXEC));
+    if (!journal)
+        return;
+    size_t len = strlen(line);
+    unique_heap rec(malloc(4 * len + 4));
+    if (!rec)
+        return;
+    char *out = static_cast<char *>(rec.get()), *p = out;
+    *p++ = '$';
+    *p++ = ' ';
+    for (const unsigned char *s = reinterpret_cast<const unsigned char *>(line); *s; s++) {
+        const char *esc = *s == '\\' ? "\\\\" : *s == '\n' ? "\\n" : *s == '\t' ? "\\t" : *s == '\r' ? "\\r" : nullptr;
+        if (esc) {
+            memcpy(p, esc, 2);
+            p += 2;
+        } else if (*s < 0x20 || *s == 0x7f) {
+            p += sprintf(p, "\\x%02x", *s);
+        } else {
+            *p++ = static_cast<char>(*s);
+        }
+    }
+    *p++ = '\n';
+    // One write: appends of whole records do not interleave.
+    (void)!write(journal.get(), out, static_cast<size_t>(p - out));
+}
+
 // Runs "/bin/sh -c line" and waits. posix_spawn does not copy the caller's
 // address space, which matters for the big programs on a small device.
 // With out_fd >= 0 the shell's standard output is that descriptor.
@@ -68,6 +100,7 @@ pid_t start_command(int out_fd, const char *format, va_list ap)
     unique_heap line = format_command(format, ap);
     if (!line)
         return -1;
+    journal_command(static_cast<const char *>(line.get()));
     fflush(nullptr); // keep the caller's buffered output ahead of the child's
     pid_t child;
     return run_shell(static_cast<const char *>(line.get()), out_fd, &child) == 0 ? child : -1;
@@ -145,6 +178,8 @@ int sysinteract(char *buf, int size, const char *format, ...)
     int status = wait_child(child);
     if (status < 0)
         return 1; // reaped elsewhere: it ran, its status is unknown
+    if (WIFEXITED(status) && (WEXITSTATUS(status) == 126 || WEXITSTATUS(status) == 127))
+        return kCouldNotRun; // the shell found no such command, or could not execute it
     return (WIFEXITED(status) && WEXITSTATUS(status) == 0) ? 1 : 0;
 }
 

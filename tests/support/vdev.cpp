@@ -58,14 +58,45 @@ int sh(const std::string &command)
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-std::vector<std::string> journal()
+namespace {
+
+// "$ " starts a command line that CMD or sysinteract recorded, escaped
+// C-style; any other line is a stand-in tool's.
+std::vector<std::string> journal_lines(bool commands)
 {
     std::vector<std::string> lines;
     std::ifstream in("/run/vdev/journal");
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
+    for (std::string line; std::getline(in, line);) {
+        if ((line.rfind("$ ", 0) == 0) != commands)
+            continue;
+        if (!commands) {
+            lines.push_back(line);
+            continue;
+        }
+        std::string text;
+        for (size_t i = 2; i < line.size(); i++) {
+            if (line[i] != '\\' || i + 1 == line.size()) {
+                text += line[i];
+                continue;
+            }
+            switch (line[++i]) {
+            case 'n': text += '\n'; break;
+            case 't': text += '\t'; break;
+            case 'r': text += '\r'; break;
+            case 'x': text += static_cast<char>(std::stoi(line.substr(i + 1, 2), nullptr, 16)); i += 2; break;
+            default: text += line[i];
+            }
+        }
+        lines.push_back(text);
+    }
     return lines;
 }
+
+} // namespace
+
+std::vector<std::string> journal() { return journal_lines(false); }
+
+std::vector<std::string> commands() { return journal_lines(true); }
 
 void clear_journal() { std::ofstream("/run/vdev/journal", std::ios::trunc); }
 

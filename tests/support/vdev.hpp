@@ -21,6 +21,8 @@ int sh(const std::string &command);
 
 // The command lines the stand-in tools were run with, oldest first.
 std::vector<std::string> journal();
+// The command lines given to CMD and sysinteract, verbatim, oldest first.
+std::vector<std::string> commands();
 void clear_journal();
 
 // Sets a board_config value of the emulated board.
