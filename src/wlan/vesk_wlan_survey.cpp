@@ -4,11 +4,11 @@
 #include <errno.h>
 #include <stddef.h>
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <string_view>
 
 #include "core/line_reader.hpp"
@@ -79,9 +79,9 @@ bool split_record(std::string_view line, std::array<std::string_view, kFieldCoun
 
 int number_of(std::string_view text)
 {
-    int value = 0;
-    std::from_chars(text.data(), text.data() + text.size(), value);
-    return value;
+    char digits[16];
+    vesk::put_text(digits, text);
+    return static_cast<int>(strtol(digits, nullptr, 10));
 }
 
 // Everything the line defines is set, the rest cleared; hidden stays as the
