@@ -248,7 +248,7 @@ TEST(VeskTool, ProductAndStore)
         {"", "store schedule", 0, "1\n"},
         {"", "store get admin_cfg", 0, "(00){74}\n"},
         {"", "store get nosuch", 2, "unknown key nosuch"},
-        {"", "store set admin_cfg 1", 2, "holds a record"},
+        {"", "store set admin_cfg 1", 2, "admin_cfg takes 74 bytes as 148 hex digits"},
         {"", "store usboot", 0, "0\n"},
     };
     check(rows);
@@ -290,6 +290,28 @@ TEST(VeskTool, TextNumbersAndWan)
         {"", "wan list '80, 1000-2000' 4", 0, "80 0\n1000 2000\n"},
         {"", "-j wan list 443 2", 0, "\\[\\{\"start\":443,\"end\":0\\}\\]\n"},
         {"", "wan list 80 0", 2, "from 1 to 64"},
+    };
+    check(rows);
+}
+
+TEST(VeskTool, Radios)
+{
+    const row rows[] = {
+        {"", "wlan pin 00:1A:2B:3C:4D:5E", 0, "39519665\n"},
+        {"", "wlan pin banana", 2, "banana is not one of lan random"},
+        {"", "wlan schedule 0", 0, "state [0-3]\nmeaning (on|to-off|off|to-on)\n"},
+        {"", "wlan schedule 2", 2, "from 0 to 1"},
+        {"", "wlan radio 02:00:00:00:00:01", 1, "on neither radio"},
+        {"", "wlan radio 02:00:00", 2, "not a MAC"},
+        {"", "wlan clients ra0", 1, "no count for ra0"},
+        {"", "wlan clients eth2", 2, "not a radio interface"},
+        {"", "wlan channels ra0", 1, "no channel"},
+        {"", "wlan wps ra0", 1, "no WPS status"},
+        {"", "wlan stations ath0", 1, "no stations"},
+        {"", "wlan survey ath0 36", 1, "scan of ath0 failed"},
+        {"", "wlan survey ath0 300", 2, "greater than 255"},
+        {"", "snmp index br0", 0, "[0-9]+\n"},
+        {"", "snmp index nosuch0", 1, "no SNMP number"},
     };
     check(rows);
 }

@@ -1,3 +1,4 @@
+#include <ctype.h>
 #include <limits.h>
 #include <stdio.h>
 #include <string.h>
@@ -38,16 +39,37 @@ int get(int, char **argv)
     return cli::text(hex);
 }
 
-int set_number(int, char **argv)
+// Hex digits, two per byte, exactly as many as the record holds.
+bool parse_record(const char *text, unsigned char *out, int size)
+{
+    if (strlen(text) != static_cast<size_t>(2 * size))
+        return false;
+    for (int i = 0; i < size; i++) {
+        unsigned int byte;
+        if (!isxdigit(static_cast<unsigned char>(text[2 * i])) || !isxdigit(static_cast<unsigned char>(text[2 * i + 1])) ||
+            sscanf(text + 2 * i, "%2x", &byte) != 1)
+            return false;
+        out[i] = static_cast<unsigned char>(byte);
+    }
+    return true;
+}
+
+// Number keys take a number; record keys take hex of exactly their size.
+int set(int, char **argv)
 {
     int is_number = 0, v;
-    if (!key_arg(argv[0], &is_number))
+    unsigned char value[kMaxRecord] = {};
+    const int size = key_arg(argv[0], &is_number);
+    if (!size)
         return cli::kUsage;
-    if (!is_number)
-        return cli::refuse("%s holds a record, not a number (quil set writes records)", argv[0]);
-    if (!cli::parse_int(argv[1], &v, INT_MIN, INT_MAX))
-        return cli::kUsage;
-    return cli::done(quil_set_value(&v, argv[0]) == 0, "writing the store");
+    if (is_number) {
+        if (!cli::parse_int(argv[1], &v, INT_MIN, INT_MAX))
+            return cli::kUsage;
+        memcpy(value, &v, sizeof v);
+    } else if (!parse_record(argv[1], value, size)) {
+        return cli::refuse("%s takes %d bytes as %d hex digits", argv[0], size, 2 * size);
+    }
+    return cli::done(quil_set_value(value, argv[0]) == 0, "writing the store");
 }
 
 int usboot(int, char **) { return cli::number(vesk_get_usboot()); }
@@ -55,7 +77,7 @@ int sch_en(int, char **) { return cli::number(vesk_util_get_sch_en()); }
 
 constexpr cli::command kCommands[] = {
     {"get", "KEY", "value of a store key (records in hex, zeros when unset)", 1, get},
-    {"set", "KEY NUMBER", "set a number key", 2, set_number, cli::changes_device},
+    {"set", "KEY VALUE", "set a key: a number, or a record in hex of its exact size", 2, set, cli::changes_device},
     {"usboot", "", "1 in USB-boot operation (/mnt/usboot exists), else 0", 0, usboot},
     {"schedule", "", "1 when the schedule is enabled (schedule_en), else 0", 0, sch_en},
 };
