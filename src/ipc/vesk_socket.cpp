@@ -2,10 +2,10 @@
 // sends it in one piece and reads one reply, every wait bounded.
 //
 // The assertion lines are what the device prints for a caller's bad
-// argument, and field scripts match on them: 'pkt!=0' on lines 68
-// (dump), 84 (write), 101 and 102 (write_binary; 'ptr!=0' on 102), 113
-// (connect), 150 (send), 175 and 176 (recv; the length on 176) and 200
-// (close). Keep those statements where they are.
+// argument, and field scripts match on them: 'pkt!=0' on lines 71 (dump),
+// 89 (write), 105 (write_binary, 'ptr!=0' on 106), 115 (connect), 157
+// (send), 183 (recv, the length on 184) and 214 (close). Keep those
+// statements where they are.
 #include "vesk_socket.h"
 
 #include <errno.h>
