@@ -2,10 +2,8 @@
 // sends it in one piece and reads one reply, every wait bounded.
 //
 // The assertion lines are what the device prints for a caller's bad
-// argument, and field scripts match on them: 'pkt!=0' on lines 71 (dump),
-// 89 (write), 105 (write_binary, 'ptr!=0' on 106), 115 (connect), 157
-// (send), 183 (recv, the length on 184) and 214 (close). Keep those
-// statements where they are.
+// argument, and field scripts match on them: their line numbers are
+// written out.
 #include "vesk_socket.h"
 
 #include <errno.h>
@@ -21,9 +19,9 @@
 
 #include <algorithm>
 
+#include "core/assert.hpp"
 #include "core/unique.hpp"
 #include "sysapi.h"
-#include "vesk_core.h"
 #include "vesk_string.h"
 
 // The record is shared with the daemons' programs; its layout is fixed.
@@ -68,7 +66,7 @@ extern "C" {
 
 int vesk_socket_pkt_dump(vesk_socket_pkt *pkt)
 {
-    VESK_ASSERT(pkt!=0);
+    VESK_ASSERT_AT(71, pkt!=0);
     T_PRINTF("\n----- pkt @0x%x, OUT: len %d, pos_to_write(next) %d|IN len %d, name[%s] port[%d] ----\n",
              static_cast<unsigned int>(reinterpret_cast<uintptr_t>(pkt)), pkt->out_len, pkt->pos_to_write,
              pkt->in_len, pkt->name, pkt->port);
@@ -86,7 +84,7 @@ int vesk_socket_pkt_dump(vesk_socket_pkt *pkt)
 
 int vesk_socket_pkt_write(vesk_socket_pkt *pkt, const char *format, ...)
 {
-    VESK_ASSERT(pkt!=0);
+    VESK_ASSERT_AT(89, pkt!=0);
     char text[MAX_VESK_SOCKET_BUFFER];
     va_list ap;
     va_start(ap, format);
@@ -102,8 +100,8 @@ int vesk_socket_pkt_write(vesk_socket_pkt *pkt, const char *format, ...)
 
 int vesk_socket_pkt_write_binary(vesk_socket_pkt *pkt, const void *ptr, int len)
 {
-    VESK_ASSERT(pkt!=0);
-    VESK_ASSERT(ptr!=0);
+    VESK_ASSERT_AT(105, pkt!=0);
+    VESK_ASSERT_AT(106, ptr!=0);
     const int n = std::clamp(len, 0, room(pkt));
     memcpy(pkt->out_buf + MAX_VESK_SOCKET_BUFFER - room(pkt), ptr, static_cast<size_t>(n));
     appended(pkt, n);
@@ -112,7 +110,7 @@ int vesk_socket_pkt_write_binary(vesk_socket_pkt *pkt, const void *ptr, int len)
 
 int vesk_socket_do_connect(vesk_socket_pkt *pkt)
 {
-    VESK_ASSERT(pkt!=0);
+    VESK_ASSERT_AT(115, pkt!=0);
     pkt->sock = socket(AF_INET, SOCK_STREAM, 0);
     if (pkt->sock < 0) {
         perror("vesk_socket_do_connect: create socket error!\n");
@@ -154,7 +152,7 @@ int vesk_socket_do_connect(vesk_socket_pkt *pkt)
 
 int vesk_socket_send(vesk_socket_pkt *pkt)
 {
-    VESK_ASSERT(pkt!=0);
+    VESK_ASSERT_AT(157, pkt!=0);
     fd_set set;
     const int ready = wait_for(pkt->sock, pkt->send_timeout, true, set);
     if (ready == 0) {
@@ -180,8 +178,8 @@ int vesk_socket_send(vesk_socket_pkt *pkt)
 
 int vesk_socket_recv(vesk_socket_pkt *pkt, int len)
 {
-    VESK_ASSERT(pkt!=0);
-    VESK_ASSERT(len < MAX_VESK_SOCKET_BUFFER);
+    VESK_ASSERT_AT(183, pkt!=0);
+    VESK_ASSERT_AT(184, len < MAX_VESK_SOCKET_BUFFER);
     if (len < 1) {
         fprintf(stderr, "%s: no room for a reply (len %d)\n", __func__, len);
         return -1;
@@ -211,7 +209,7 @@ int vesk_socket_recv(vesk_socket_pkt *pkt, int len)
 
 int vesk_socket_close(vesk_socket_pkt *pkt)
 {
-    VESK_ASSERT(pkt!=0);
+    VESK_ASSERT_AT(214, pkt!=0);
     return close(pkt->sock);
 }
 
