@@ -8,6 +8,7 @@
 #include <net/if.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <algorithm>
 
@@ -80,8 +81,11 @@ answer port_list(const char *bridge, const brctl_args &args)
 
 answer bridge(const request &r)
 {
+    // Only a bridge's private data are the four words.
     const char *data = static_cast<ifreq *>(r.arg)->ifr_data;
-    if (!data)
+    char dir[64];
+    snprintf(dir, sizeof dir, "/sys/class/net/%s/bridge", r.ifname);
+    if (!data || !plain_name(r.ifname) || access(dir, F_OK) != 0)
         return kernel(r);
     const auto &args = *reinterpret_cast<const brctl_args *>(data);
     const char *name = args[0] == BRCTL_GET_FDB_ENTRIES ? "fdb" : args[0] == BRCTL_GET_PORT_LIST ? "ports" : "brctl";
@@ -91,8 +95,6 @@ answer bridge(const request &r)
     if (rc >= 0 || errno != ENOSYS)
         return rc >= 0 ? rc : -errno;
     // qemu-user refused it: the bridge driver's answer from its state in /sys.
-    if (!plain_name(r.ifname) || !if_nametoindex(r.ifname))
-        return -ENODEV;
     if (args[0] == BRCTL_GET_FDB_ENTRIES)
         return fdb_entries(r.ifname, args);
     if (args[0] == BRCTL_GET_PORT_LIST)

@@ -119,16 +119,27 @@ bool read_file(state_text &out, const char *path)
     struct stat st;
     if (!fd || fstat(fd.get(), &st) != 0 || !S_ISREG(st.st_mode))
         return false;
-    size_t cap = static_cast<size_t>(st.st_size) + 1;
+    // sysfs tells no size (or a page) and answers whole records only: read
+    // to the end, at least a page at a time, growing the block.
+    constexpr size_t kPage = 4096;
+    size_t cap = static_cast<size_t>(st.st_size) + 1 + kPage;
+    out.size = 0;
     out.block.reset(malloc(cap));
+    for (ssize_t n = 1; out.block && n > 0;) {
+        if (cap - 1 - out.size < kPage) {
+            void *more = realloc(out.block.get(), cap * 2);
+            if (!more)
+                return false;
+            out.block.release();
+            out.block.reset(more);
+            cap *= 2;
+        }
+        n = read(fd.get(), static_cast<char *>(out.block.get()) + out.size, cap - 1 - out.size);
+        out.size += n > 0 ? static_cast<size_t>(n) : 0;
+    }
     if (!out.block)
         return false;
-    char *p = static_cast<char *>(out.block.get());
-    ssize_t n = 0;
-    out.size = 0;
-    while (out.size < cap - 1 && (n = read(fd.get(), p + out.size, cap - 1 - out.size)) > 0)
-        out.size += static_cast<size_t>(n);
-    p[out.size] = '\0';
+    static_cast<char *>(out.block.get())[out.size] = '\0';
     return true;
 }
 
