@@ -30,7 +30,8 @@ vdev::outcome vesk(const std::string &args)
 
 template <size_t N> void check(const row (&rows)[N])
 {
-    VDEV_SKIP_UNDER_QEMU("the board's programs cannot be run from here");
+    if (vdev::under_qemu())
+        GTEST_SKIP() << "under " << vdev::emulator() << ": the board's programs cannot be run from here";
     setenv("VESK", VESK_TOOL, 1);
     setenv("QUIL", VESK_QUIL, 1);
     for (const row &r : rows) {
