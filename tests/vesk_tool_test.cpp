@@ -370,4 +370,40 @@ TEST(VeskTool, FilesDisksAndFirmware)
     check(rows);
 }
 
+TEST(VeskTool, AccountsPhyAndDaemon)
+{
+    const row rows[] = {
+        {"echo '150.00 1.00' >/proc/uptime", "account login 192.0.2.9 http 100", 0, ""},
+        {"", "-j account status", 0, "\\{\"type\":\"http\",\"http_expired\":0,\"cgi_expired\":0\\}\n"},
+        {"", "account duplicate 192.0.2.10 http", 0, "1\n"},
+        {"", "account duplicate 192.0.2.10 web", 2, "web is not one of none http"},
+        {"", "account login 192.0.2 http", 2, "192.0.2 is not a dotted IPv4 address"},
+        {"", "account logout", 0, ""},
+        {"rm /storage/quil.dat && mkdir /storage/quil.dat", "account login 192.0.2.1 ssh", 1, "storing the login failed"},
+        {"", "account logout", 1, "clearing the login failed"},
+        {"/run/vdev/emu/peers/radius_server s3 alice pw", "account radius alice pw s3 127.0.0.1 1812", 0, "accepted\n"},
+        {"", "account radius alice wrong s3 127.0.0.1 1812", 1, "alice was not accepted"},
+        {"", "account radius 'al\"ice' pw s3 127.0.0.1 1812", 2, "holds a double quote"},
+        {"", "account radius alice pw s3 127.0.0.1 0", 2, "0 is not a number from 1 to 65535"},
+        {"", "phy link", 0, "up\n"},
+        {"", "phy link eth2 4", 0, "down\n"},
+        {"", "phy link br0", 1, "no link state for br0"},
+        {"", "phy link eth2 32", 2, "32 is not a number from 0 to 31"},
+        {"", "phy speed", 0, "code 2\nmode 100 full\n"},
+        {"", "phy speed nosuch0", 1, "no abilities read from nosuch0"},
+        // Register 5 of PHY 1 is c1e1: 100 full (2), 100 half (0x10), 10 full (1), 10 half (8).
+        {"", "-j phy partner", 0, "\\{\"abilities\":27,\"duplex\":\"half\"\\}\n"},
+        {"", "phy partner nosuch0", 1, "no abilities read"},
+        {"", "phy power 1 on", 0, ""},
+        {"", "phy power 1 maybe", 2, "maybe is not one of off on"},
+        {"", "phy advertise 1 6", 2, "6 is not a number from 0 to 5"},
+        {"", "phy mdi 5 1", 2, "5 is not a number from 0 to 4"},
+        {"mkdir -p /run/vdev/fail && touch /run/vdev/fail/mii_mgr", "phy mdi 1 1", 1, "register access failed"},
+        {"", "sd send ping", 1, "no system daemon runs \\(-3\\)"},
+        {"/run/vdev/emu/peers/system_daemon start", "sd send ping", 0, "OK\n"},
+        {"", "sd send \"$(printf %01100d 0)\"", 2, "longer than 1023 bytes"},
+    };
+    check(rows);
+}
+
 } // namespace

@@ -246,17 +246,6 @@ bool parse_int(const char *text, int *out, long long min, long long max)
     return true;
 }
 
-bool parse_int(const char *text, int *out)
-{
-    errno = 0;
-    char *end;
-    const long v = strtol(text, &end, 0);
-    if (errno || end == text || *end || v < -0x7FFFFFFFL - 1 || v > 0x7FFFFFFFL)
-        return false;
-    *out = static_cast<int>(v);
-    return true;
-}
-
 bool parse_u64(const char *text, unsigned long long *out)
 {
     errno = 0;

@@ -117,10 +117,4 @@ bool parse_choice(const char *text, const char *const *choices, int *out);
 bool parse_date(const char *text, int *year, int *month, int *day);
 bool parse_clock(const char *text, int *hour, int *minute);
 
-// Older forms, for families not yet moved to the helpers above: a silent
-// number check, and the plain printers.
-bool parse_int(const char *text, int *out);
-inline int print_int(int value) { return number(value); }
-inline int print_text(const char *value) { return answer(value); }
-
 } // namespace cli
