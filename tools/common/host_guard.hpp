@@ -12,10 +12,14 @@ namespace vesk_tool {
 
 inline bool on_device()
 {
+    if (access("/run/vdev/inside", F_OK) == 0)
+        return true;
 #ifdef VESK_TOOLS_FOR_BOARD
-    return true;
+    // The board has no /run/vdev: a board build acts on the device it runs
+    // on, except where an emulated device's /run/vdev lacks its mark.
+    return access("/run/vdev", F_OK) != 0;
 #else
-    return access("/run/vdev/inside", F_OK) == 0;
+    return false;
 #endif
 }
 
