@@ -54,6 +54,9 @@ TEST(Wait, ValueConditionSleepsOnlyWhenFalse)
 TEST(DeviceState, UsbootMarkerAndScheduleEnable)
 {
     EXPECT_EQ(vesk_get_usboot(), 0);
+    vdev::put("/mnt/usboot", ""); // any kind of file marks it
+    EXPECT_EQ(vesk_get_usboot(), 1);
+    vdev::remove("/mnt/usboot");
     ASSERT_EQ(mkdir("/mnt/usboot", 0755), 0);
     EXPECT_EQ(vesk_get_usboot(), 1);
 
