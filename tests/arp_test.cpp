@@ -107,6 +107,12 @@ TEST(ArpFile, RowsAsTheFileWritesThem)
     EXPECT_EQ(vesk_arp_get_ifname_by_ip("192.0.2.9"), nullptr);
     EXPECT_STREQ(vesk_arp_get_ifname_by_ip("192.0.2.7"), std::string(15, 'e').c_str());
     EXPECT_STREQ(vesk_arp_get_macstr_by_ip("192.0.2.7", 0), std::string(31, 'A').c_str());
+    // A row of 127 characters is whole; the 128th is cut off.
+    const std::string row = "192.0.2.6 0x1 0x2 02:00:00:00:00:06 *";
+    vdev::put("/proc/net/arp", std::string(kHeader) + row + std::string(127 - row.size() - 4, ' ') + "eth6\n" +
+                                   "192.0.2.11" + row.substr(9) + std::string(126 - row.size(), ' ') + "x\n");
+    EXPECT_STREQ(vesk_arp_get_ifname_by_ip("192.0.2.6"), "eth6");
+    EXPECT_STREQ(vesk_arp_get_ifname_by_ip("192.0.2.11"), "-");
     // A header only, or no table: nothing found, nothing said.
     for (bool present : {true, false}) {
         present ? vdev::put("/proc/net/arp", kHeader) : vdev::remove("/proc/net/arp");
