@@ -75,9 +75,9 @@ TEST(Led, OnlyBootUpZeroRunsTheTool)
     vesk_led_get_wan_ip();
     vesk_led_boot_up(1);
     vesk_led_boot_up(-1);
-    EXPECT_TRUE(vdev::journal().empty());
+    EXPECT_TRUE(vdev::commands().empty());
     vesk_led_boot_up(0);
-    EXPECT_EQ(vdev::journal(), std::vector<std::string>{"led_ctl diag off"});
+    EXPECT_EQ(vdev::commands(), std::vector<std::string>{"led_ctl diag off"});
 }
 
 TEST(Assert, PrintsExpressionAndExits)
