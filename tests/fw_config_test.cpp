@@ -114,6 +114,7 @@ TEST(FwBackup, RefusedKeyLeavesNoImage)
 
 TEST(FwBackup, StoreWithoutFileYetIsFlushedFirst)
 {
+    EXPECT_EQ(std::count(reset_default_prefix_list, std::end(reset_default_prefix_list), '\0'), 480); // untouched
     vdev::remove(QUIL_DAT_FILE);
     EXPECT_EQ(vesk_do_backup_config("k"), 1);
     EXPECT_EQ(vdev::commands(), (lines{"rm -rf /tmp/ap_cfg", "lockwrap /var/vesk_crypt_key_file e /storage/quil.dat /tmp/ap_cfg",
