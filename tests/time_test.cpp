@@ -293,9 +293,12 @@ TEST(Calendar, DayStepsAndLeapYearsAgreeWithTheCLibrary)
         }
     }
     for (int year : {1600, 1700, 1900, 2000, 2023, 2024}) {
-        const time_t feb28 = utc(year, 2, 28) + 86400;
+        const time_t feb28 = utc(year, 2, 28);
+        if (feb28 == static_cast<time_t>(-1))
+            continue; // before 1902 with a 32-bit time_t (the board's)
+        const time_t day_after = feb28 + 86400;
         struct tm next;
-        gmtime_r(&feb28, &next);
+        gmtime_r(&day_after, &next);
         EXPECT_EQ(vesk_is_leap_year(year), next.tm_mday == 29) << year;
         EXPECT_EQ(vesk_fix_feb_29(year, 2), next.tm_mday == 29) << year;
         EXPECT_EQ(vesk_fix_feb_29(year, 3), 0) << year;
