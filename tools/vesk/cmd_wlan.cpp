@@ -28,8 +28,6 @@ int survey(int argc, char **argv)
     for (const vesk_site_survey_record &r : survey_records) {
         if (!r.channel)
             break;
-        if (channel && r.channel != channel)
-            continue; // the driver may answer with every channel it heard
         char bssid[18];
         vesk_mac_bin_2_str(bssid, r.bssid);
         printf("%-32.32s  %-17s  %3u  %-22.31s  %3u%% %4d dBm\n", r.ssid[0] ? r.ssid : "(hidden)", bssid, r.channel,
