@@ -392,7 +392,7 @@ TEST(VeskTool, AccountsPhyAndDaemon)
         {"", "phy speed", 0, "code 2\nmode 100 full\n"},
         {"", "phy speed nosuch0", 1, "no abilities read from nosuch0"},
         // Register 5 of PHY 1 is c1e1: 100 full (2), 100 half (0x10), 10 full (1), 10 half (8).
-        {"", "-j phy partner", 0, "\\{\"abilities\":27,\"duplex\":\"half\"\\}\n"},
+        {"", "-j phy partner", 0, "\\{\"abilities\":27,\"full_duplex\":0\\}\n"},
         {"", "phy partner nosuch0", 1, "no abilities read"},
         {"", "phy power 1 on", 0, ""},
         {"", "phy power 1 maybe", 2, "maybe is not one of off on"},

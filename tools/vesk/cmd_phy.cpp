@@ -58,7 +58,8 @@ int partner(int argc, char **argv)
         return cli::kUsage;
     if (!vesk_mii_get_link_partner_info(ifname, &abilities, &full, phy))
         return cli::miss("no abilities read from %s", ifname);
-    cli::record().number_u("abilities", abilities).text("duplex", full ? "full" : "half");
+    // The duplex word keeps the caller's value when no ability bit is set.
+    cli::record().number_u("abilities", abilities).number_u("full_duplex", full);
     return cli::kAnswer;
 }
 
