@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/stat.h>
 
 #include <string>
@@ -94,6 +95,15 @@ TEST(Crypt, FailingToolLeavesKeyFileWithTheKeyBytes)
     vdev::put("/tmp/in", "abc");
     EXPECT_EQ(vesk_crypt_enc_file("/tmp/in", "k", "/tmp/out", 1), 1);
     EXPECT_FALSE(vdev::exists(kKeyFile));
+}
+
+TEST(Crypt, BadInputIsKeptWhenTheCallerIgnoresSigchld)
+{
+    vdev::put("/tmp/enc", "not an encrypted file");
+    signal(SIGCHLD, SIG_IGN); // as daemons do: the kernel reaps children itself
+    stderr_of([] { EXPECT_EQ(vesk_crypt_dec_file("/tmp/enc", "k", "/tmp/dec", 0), 0); });
+    EXPECT_EQ(signal(SIGCHLD, SIG_DFL), SIG_IGN); // the caller's setting is back
+    EXPECT_EQ(vdev::read("/tmp/enc"), "not an encrypted file");
 }
 
 } // namespace
