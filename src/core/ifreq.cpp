@@ -6,20 +6,26 @@
 
 namespace vesk {
 
-bool make_ifreq(ifreq &req, const char *ifname)
+bool put_ifname(char (&field)[IFNAMSIZ], const char *ifname)
 {
-    memset(&req, 0, sizeof req);
+    memset(field, 0, sizeof field);
     if (!ifname) {
         errno = EINVAL;
         return false;
     }
-    size_t len = strnlen(ifname, sizeof req.ifr_name);
-    if (len == sizeof req.ifr_name) {
+    size_t len = strnlen(ifname, sizeof field);
+    if (len == sizeof field) {
         errno = ENAMETOOLONG;
         return false;
     }
-    memcpy(req.ifr_name, ifname, len);
+    memcpy(field, ifname, len);
     return true;
+}
+
+bool make_ifreq(ifreq &req, const char *ifname)
+{
+    memset(&req, 0, sizeof req);
+    return put_ifname(req.ifr_name, ifname);
 }
 
 unique_fd open_socket(sock_kind kind) { return unique_fd(::socket(kind.family, kind.type, kind.protocol)); }

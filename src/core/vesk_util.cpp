@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <array>
 
-#include "core/unique.hpp"
+#include "core/random.hpp"
 #include "sysapi.h"
 #include "vesk_if.h"
 
@@ -56,15 +56,7 @@ void vesk_util_check_string_on_shell_cmd(const char *text, char *out) { vesk_uti
 
 int vesk_util_generate_random_num(void)
 {
-    vesk::unique_file pool = vesk::open_file("/dev/urandom", "r");
-    if (!pool)
-        return 0;
-    unsigned int seed = 0; // a short read seeds with 0 rather than stack garbage
-    if (fread(&seed, sizeof seed, 1, pool.get()) != 1)
-        seed = 0;
-    pool.reset();
-    srand(seed);
-    return rand();
+    return vesk::seed_from_pool() ? rand() : 0;
 }
 
 int vesk_util_generate_random_seed(const char *ifname)

@@ -44,15 +44,6 @@ struct arp_row {
     char device[kDevice];
 };
 
-// Copies word into field, cut to the field's size.
-template <size_t N>
-void put_word(char (&field)[N], std::string_view word)
-{
-    size_t len = word.size() < N - 1 ? word.size() : N - 1;
-    memcpy(field, word.data(), len);
-    field[len] = '\0';
-}
-
 // "0x" and at least one hexadecimal digit, as the HW type and Flags columns.
 bool is_hex_word(std::string_view word)
 {
@@ -65,18 +56,18 @@ bool is_hex_word(std::string_view word)
 arp_row parse_row(std::string_view line)
 {
     arp_row row{};
-    put_word(row.mask, "-");
-    put_word(row.device, "-");
-    put_word(row.ip, vesk::next_word(line));
+    vesk::put_text(row.mask, "-");
+    vesk::put_text(row.device, "-");
+    vesk::put_text(row.ip, vesk::next_word(line));
     if (!is_hex_word(vesk::next_word(line)) || !is_hex_word(vesk::next_word(line)))
         return row;
-    put_word(row.hw, vesk::next_word(line));
+    vesk::put_text(row.hw, vesk::next_word(line));
     std::string_view mask = vesk::next_word(line);
     if (!mask.empty())
-        put_word(row.mask, mask);
+        vesk::put_text(row.mask, mask);
     std::string_view device = vesk::next_word(line);
     if (!device.empty())
-        put_word(row.device, device);
+        vesk::put_text(row.device, device);
     return row;
 }
 
