@@ -50,8 +50,14 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
         fputc('\n', stderr);
         exit(2);
     }
-    if (chosen->path && strncmp(chosen->path, "tool:", 5))
+    if (chosen->path && strncmp(chosen->path, "tool:", 5)) {
+        std::string dir = chosen->path;
+        dir.resize(dir.rfind('/'));
+        std::string mkdir_p = "mkdir -p " + dir;
+        if (system(mkdir_p.c_str()) != 0)
+            exit(2);
         unlink(chosen->path); // a link to the kernel's file becomes a file of the device
+    }
     if (chosen->path && !strncmp(chosen->path, "tool:", 5)) {
         // A stand-in for the tool, ahead of the device's on PATH, prints the input.
         mkdir(kBin, 0755);
