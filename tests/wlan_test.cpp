@@ -37,6 +37,18 @@ std::string survey_line(int ch, const std::string &ssid, const char *bssid)
            ", Sec:WPA2PSK/AES, RSSI:81, dbm:-52, Ex_ch:ABOVE, Type:11b/g/n}\r\n";
 }
 
+TEST(WlanSurvey, LineMissingALabelLeavesTheLaterFieldsEmpty)
+{
+    // Found by fuzzing: the field after a missing label was copied from no data.
+    vdev::put("/tmp/survey/ch_6.txt", "uptime: 1000\r\n{Ch:6, SSID:Cafe, BSSID:02:AA:00:00:00:01, Sec:NONE, "
+                                      "RSSI:81, dbm:-52, Ex_ch:ABO Type:11b/g}\r\n");
+    vdev::put("/proc/uptime", "1030.99 2000.00\n");
+    auto buf = survey_buffer(VESK_SURVEY_RECORDS_QCA, 6);
+    EXPECT_EQ(vesk_wlan_get_site_survey("ath0", buf.data(), 30), 0);
+    EXPECT_STREQ(buf[0].ssid, "Cafe");
+    EXPECT_STREQ(buf[0].wireless_type, "");
+}
+
 TEST(WlanSurvey, FileAnswersWhileYoungEnough)
 {
     // Lines the file's own reader could not split before: an empty (hidden)
