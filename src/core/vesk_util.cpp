@@ -1,5 +1,6 @@
 // Escaping user text for web pages and shell command lines, and drawing
 // random numbers from the kernel's pool.
+#include "core/command.hpp"
 #include "vesk_util.h"
 
 #include <stdint.h>
@@ -70,7 +71,7 @@ int vesk_util_generate_random_seed(const char *ifname)
     for (int i = 3; i < 6; i++)
         mac_value = mac_value * 256 + signed_byte(mac[i]);
     T_PRINTF("Mac: %u, rtcTime:%u\n", mac_value, now);
-    return CMD("echo %u > /dev/urandom", mac_value + now);
+    return vesk::cmd::run(__func__, "echo %u > /dev/urandom", mac_value + now);
 }
 
 } // extern "C"

@@ -1,4 +1,5 @@
 // The product table and the board's identity as board_config tells it.
+#include "core/command.hpp"
 #include "vesk_product.h"
 
 #include <stdio.h>
@@ -101,9 +102,11 @@ extern "C" {
 
 uint16_t vesk_product_get_index(void)
 {
-    uint32_t hw_id = vesk_product_get_board_hw_id_hex();
+    // A chosen row holds for the life of the process: asking the board
+    // again could not change it, and would cost a web page one spawn per getter.
     if (vesk_product_index != kNoRow)
         return static_cast<uint16_t>(vesk_product_index);
+    uint32_t hw_id = vesk_product_get_board_hw_id_hex();
     for (size_t i = 0; i < std::size(kProductTable); i++) {
         if (row_hw_id(kProductTable[i]) == hw_id) {
             vesk_product_index = static_cast<int32_t>(i);
@@ -178,7 +181,10 @@ uint8_t vesk_product_get_board_domain(int second)
 {
     unsigned int value = second ? 7 : 5;
     char buf[4] = {};
-    sysinteract(buf, sizeof buf, second ? "board_config get dom2" : "board_config get domain");
+    if (second)
+        vesk::cmd::capture(__func__, buf, "board_config get dom2");
+    else
+        vesk::cmd::capture(__func__, buf, "board_config get domain");
     if (buf[0] != '\0')
         sscanf(buf, "%x", &value); // a failed scan keeps the default
     return static_cast<uint8_t>(value);
@@ -186,7 +192,7 @@ uint8_t vesk_product_get_board_domain(int second)
 
 char *vesk_product_get_board_hw_id_str(void)
 {
-    sysinteract(board_hw_id_buffer, sizeof board_hw_id_buffer, "board_config get hw_id");
+    vesk::cmd::capture(__func__, board_hw_id_buffer, "board_config get hw_id");
     return board_hw_id_buffer;
 }
 
