@@ -22,7 +22,7 @@
 
 #include <string_view>
 
-#include "core/unique.hpp"
+#include "unique.hpp"
 
 namespace {
 
