@@ -252,6 +252,9 @@ TEST(VeskTool, ProductAndStore)
         {"", "store get admin_cfg", 0, "(00){74}\n"},
         {"", "store get nosuch", 2, "unknown key nosuch"},
         {"", "store set admin_cfg 1", 2, "admin_cfg takes 74 bytes as 148 hex digits"},
+        {"", "store set wl1basic 0102030405060708090a0b", 0, ""}, // a record takes exactly its bytes
+        {"", "store get wl1basic", 0, "0102030405060708090a0b\n"},
+        {"", "store set wl1basic 1+1-1", 2, "takes 11 bytes"},
         {"", "store usboot", 0, "0\n"},
     };
     check(rows);
