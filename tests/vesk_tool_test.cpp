@@ -296,6 +296,7 @@ TEST(VeskTool, TextNumbersAndWan)
         {"", "util shell ''", 2, "1 to 4096 bytes"},
         {"", "util random", 0, "-?[0-9]+\n"},
         {"", "util seed lo", 0, ""},
+        {"", "util seed nosuch0", 2, "no interface nosuch0"},
         {"", "wan ppp pppd ppp0", 0, "status 0\nmeaning down\n"},
         {"", "wan detect", 0, "mask 8\ndhcp 0\npppoe 0\npptp 0\n"},
         {"", "wan ports 80 0 1000 2000", 0, "80, 1000-2000\n"},
@@ -303,6 +304,7 @@ TEST(VeskTool, TextNumbersAndWan)
         {"", "wan list '80, 1000-2000' 4", 0, "80 0\n1000 2000\n"},
         {"", "-j wan list 443 2", 0, "\\[\\{\"start\":443,\"end\":0\\}\\]\n"},
         {"", "wan list 80 0", 2, "from 1 to 64"},
+        {"", "wan list nosuch0", 2, "not a list of ports"},
     };
     check(rows);
 }
@@ -377,6 +379,7 @@ TEST(VeskTool, FilesDisksAndFirmware)
         {"", "fw encrypt /tmp/p k /tmp/e 2", 2, "from 0 to 1"},
         {"", "fw flash /etc/hostname", 1, "no image header"},
         {"", "fw restore /tmp/p 3", 2, "from 0 to 1"},
+        {"", "fw restore /tmp/nothing 0", 2, "/tmp/nothing is not a readable file"},
     };
     check(rows);
 }
