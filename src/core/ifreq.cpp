@@ -6,20 +6,26 @@
 
 namespace vesk {
 
-bool make_ifreq(ifreq &req, const char *ifname)
+bool copy_ifname(char (&field)[IFNAMSIZ], const char *ifname)
 {
-    memset(&req, 0, sizeof req);
     if (!ifname) {
         errno = EINVAL;
         return false;
     }
-    size_t len = strnlen(ifname, sizeof req.ifr_name);
-    if (len == sizeof req.ifr_name) {
+    size_t len = strnlen(ifname, IFNAMSIZ);
+    if (len == IFNAMSIZ) {
         errno = ENAMETOOLONG;
         return false;
     }
-    memcpy(req.ifr_name, ifname, len);
+    memcpy(field, ifname, len);
+    field[len] = '\0';
     return true;
+}
+
+bool make_ifreq(ifreq &req, const char *ifname)
+{
+    memset(&req, 0, sizeof req);
+    return copy_ifname(req.ifr_name, ifname);
 }
 
 unique_fd open_socket(sock_kind kind) { return unique_fd(::socket(kind.family, kind.type, kind.protocol)); }
