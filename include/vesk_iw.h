@@ -26,6 +26,7 @@ VESK_BEGIN_DECLS
 #define SIOCGIWSCAN 0x8B19
 #define SIOCGIWESSID 0x8B1B
 #define SIOCGIWENCODE 0x8B2B
+#define SIOCIWFIRSTPRIV 0x8BE0 /* a driver's first private request */
 #define IWEVQUAL 0x8C01
 #define IWEVGENIE 0x8C05
 /* The QCA driver's PHY mode of a scanned cell, carried in a param. */

@@ -99,17 +99,15 @@ TEST(Disk, MountRemakesTheMountPoint)
     EXPECT_EQ(vdev::sh("[ -d /mnt/usb3 ] && [ -z \"$(ls -A /mnt/usb3)\" ]"), 0);
 }
 
-TEST(Disk, MountRefusesArgumentsItCannotPassSafely)
+TEST(Disk, MountRefusesMountPointsItCannotRemoveSafely)
 {
     vdev::put("/mnt/x/keep", "k");
     const struct {
         const char *dev, *dir;
     } cases[] = {
-        {nullptr, "/mnt/x"},         {"/dev/sda1", nullptr},           {"", "/mnt/x"},
-        {"/dev/sda1", ""},           {"/dev/sda1", "/"},               {"/dev/sda1", "///"},
-        {"/dev/sda1", "/mnt/.."},    {"/dev/sda1", "/mnt/x/../.."},    {"/dev/sda1", "/./"},
-        {"/dev/sda1", "mnt/x"},      {"/dev/sda1", "/mnt/x;rm -rf /"}, {"/dev/sda1 /mnt/y", "/mnt/x"},
-        {"/dev/sda1", "/mnt/$(id)"}, {"`id`", "/mnt/x"},
+        {nullptr, "/mnt/x"},      {"/dev/sda1", nullptr},        {"/dev/sda1", ""},   {"/dev/sda1", "/"},
+        {"/dev/sda1", "///"},     {"/dev/sda1", "/mnt/.."},      {"/dev/sda1", "/./"}, {"/dev/sda1", "mnt/x"},
+        {"/dev/sda1", "/mnt/x/../.."},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(p(c.dev) + " " + p(c.dir));
@@ -141,7 +139,6 @@ TEST(Disk, UnmountSucceedsWhenNothingIsLeftMounted)
     EXPECT_EQ(vesk_disk_unmount("/mnt/busy"), 1);
 
     EXPECT_EQ(stdout_of([] { EXPECT_EQ(vesk_disk_unmount(nullptr), 0); }), "vesk_disk_unmount: mount_point is NULL!\n");
-    EXPECT_EQ(stdout_of([] { EXPECT_EQ(vesk_disk_unmount("/mnt/a /"), 0); }), "vesk_disk_unmount: input error!\n");
 }
 
 struct copy_case {
@@ -187,7 +184,7 @@ TEST(Disk, CopyChecksTheDiskFirst)
         {"marker on a full disk", "/tmp/big", "INDEX_FULL", "/mnt/usb1", 1, 0, true, false},
         {"into no directory", "/tmp/small", "/mnt/usb1/no/such", "/mnt/usb1", 1, 0, true, false},
         {"bad source", "/tmp/dir", "/mnt/usb1/a", "/mnt/usb1", 0, 0, false, false}, // old copy removed
-        {"unsafe name", "/tmp/small", "/mnt/usb1/x;y", "/mnt/usb1", 1, 0, false, false},
+        {"name with shell syntax", "/tmp/small", "/mnt/usb1/x;y", "/mnt/usb1", 1, 1, false, true},
     };
     for (const copy_case &c : cases)
         check_copy(c);

@@ -162,6 +162,9 @@ TEST(FwHeader, BootVersionFromFileElseBoard)
     vdev::remove("/tmp/uboot_ver");
     vdev::sh("sed -i '/^bver=/d' /run/vdev/board.conf");
     EXPECT_STREQ(vesk_fw_get_boot_ver(), ""); // the tool ran and printed nothing
+    // A board without the tool: the shell cannot find it.
+    ASSERT_EQ(setenv("PATH", "/usr/bin:/bin", 1), 0);
+    EXPECT_STREQ(vesk_fw_get_boot_ver(), "---");
 }
 
 } // namespace

@@ -22,6 +22,8 @@ TEST(Sysinteract, CapturesOutputAndTellsHowTheCommandEnded)
         {"true", 80, 1, ""}, {"echo oops; exit 3", 80, 0, "oops\n"}, // no output, yet a good end: positive
         {"printf 12345678", 4, 1, "123"}, {"printf 12345678", 1, 1, ""}, // size counts the terminator
         {"kill -9 $$", 80, 0, ""},
+        // The shell says it could not run the command at all.
+        {"echo found; no-such-tool", 80, -1, "found\n"}, {"/dev/null", 80, -1, ""},
         // A megabyte would block a child whose pipe is not read to the end.
         {"head -c 1048576 /dev/zero | tr '\\0' z", 8, 1, "zzzzzzz"},
     };
@@ -47,6 +49,16 @@ TEST(Cmd, RunsThroughTheShellAndGivesTheStatus)
     EXPECT_EQ(CMD("exit 4"), 4);
     EXPECT_NE(CMD("kill -TERM $$"), 0);
     EXPECT_LT(CMD(nullptr), 0);
+}
+
+TEST(Cmd, JournalsEachLineVerbatim)
+{
+    vdev::clear_journal();
+    EXPECT_EQ(CMD("printf '%%s' 'a\\b\tc' > /dev/null "), 0);
+    char buf[8];
+    EXPECT_EQ(sysinteract(buf, sizeof buf, "echo x\n"), 1);
+    EXPECT_EQ(vdev::commands(), (std::vector<std::string>{"printf '%s' 'a\\b\tc' > /dev/null ", "echo x\n"}));
+    EXPECT_EQ(vdev::read("/run/vdev/journal"), "$ printf '%s' 'a\\\\b\\tc' > /dev/null \n$ echo x\\n\n");
 }
 
 TEST(FileQueries, CountSizeExistence)

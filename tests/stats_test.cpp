@@ -44,6 +44,8 @@ TEST(Stats, RunningKernel)
                        "ip addr add 198.51.100.1/24 dev eth5 && "
                        "ip addr add 198.51.100.2/24 dev eth5p && ip link set eth5 up && ip link set eth5p up && "
                        "ip neigh replace 198.51.100.9 lladdr 02:00:00:00:00:09 dev eth5 nud permanent && "
+                       // the kernel drops what a veth sends before its carrier is up
+                       "for i in $(seq 200); do grep -qx up /sys/class/net/eth5/operstate && break; sleep 0.05; done && "
                        "bash -c 'for i in 1 2 3; do echo x > /dev/udp/198.51.100.9/9; done'"), 0);
     vesk_if_stats s;
     memset(&s, 0xAA, sizeof s);

@@ -100,9 +100,14 @@ template <typename... Args> struct format {
 // Builds the line; null (after a message naming func) when a word is refused.
 unique_heap build(const char *func, const char *format, std::span<const piece> args);
 
-// CMD and sysinteract with a line that build() made.
+// CMD and sysinteract with a line that build() or line() made.
 int run_line(const char *line);
 int capture_line(std::span<char> out, const char *line);
+inline int run_line(const unique_heap &line) { return run_line(static_cast<const char *>(line.get())); }
+inline int capture_line(std::span<char> out, const unique_heap &line)
+{
+    return capture_line(out, static_cast<const char *>(line.get()));
+}
 
 // Whether text would go into a command line unchanged.
 bool is_plain_word(std::string_view text);
@@ -119,7 +124,7 @@ unique_heap line(const char *func, format<std::type_identity_t<Args>...> fmt, co
 template <typename... Args> int run(const char *func, format<std::type_identity_t<Args>...> fmt, const Args &...args)
 {
     unique_heap l = line<Args...>(func, fmt, args...);
-    return l ? run_line(static_cast<const char *>(l.get())) : kRefused;
+    return l ? run_line(l) : kRefused;
 }
 
 // sysinteract into out with the line that fmt and args make: its result, or
@@ -128,7 +133,7 @@ template <typename... Args>
 int capture(const char *func, std::span<char> out, format<std::type_identity_t<Args>...> fmt, const Args &...args)
 {
     unique_heap l = line<Args...>(func, fmt, args...);
-    return l ? capture_line(out, static_cast<const char *>(l.get())) : kRefused;
+    return l ? capture_line(out, l) : kRefused;
 }
 
 } // namespace vesk::cmd

@@ -6,26 +6,26 @@
 
 namespace vesk {
 
-bool copy_ifname(char (&field)[IFNAMSIZ], const char *ifname)
+bool put_ifname(char (&field)[IFNAMSIZ], const char *ifname)
 {
+    memset(field, 0, sizeof field);
     if (!ifname) {
         errno = EINVAL;
         return false;
     }
-    size_t len = strnlen(ifname, IFNAMSIZ);
-    if (len == IFNAMSIZ) {
+    size_t len = strnlen(ifname, sizeof field);
+    if (len == sizeof field) {
         errno = ENAMETOOLONG;
         return false;
     }
     memcpy(field, ifname, len);
-    field[len] = '\0';
     return true;
 }
 
 bool make_ifreq(ifreq &req, const char *ifname)
 {
     memset(&req, 0, sizeof req);
-    return copy_ifname(req.ifr_name, ifname);
+    return put_ifname(req.ifr_name, ifname);
 }
 
 unique_fd open_socket(sock_kind kind) { return unique_fd(::socket(kind.family, kind.type, kind.protocol)); }

@@ -19,13 +19,13 @@ struct sock_kind {
 // The socket most interface requests are issued on.
 inline constexpr sock_kind kInetDgram{AF_INET, SOCK_DGRAM, 0};
 
-// Copies ifname with its terminator into an interface name field. A null
-// name or one of more than IFNAMSIZ - 1 characters is refused (false, errno
-// EINVAL or ENAMETOOLONG): no interface can carry such a name, and a cut-off
-// copy could address a different interface.
-bool copy_ifname(char (&field)[IFNAMSIZ], const char *ifname);
+// Copies ifname into a request's 16-byte name field, terminated. A null name
+// or one of more than IFNAMSIZ - 1 characters is refused (false, errno EINVAL
+// or ENAMETOOLONG): no interface can carry such a name, and a cut-off copy
+// could address a different interface.
+bool put_ifname(char (&field)[IFNAMSIZ], const char *ifname);
 
-// Zeroes req and copies ifname into its name field (see copy_ifname).
+// Zeroes req and copies ifname into its 16-byte name field, as put_ifname.
 bool make_ifreq(ifreq &req, const char *ifname);
 
 unique_fd open_socket(sock_kind kind);

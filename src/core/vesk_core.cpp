@@ -1,4 +1,5 @@
 // Bounded waits, LED hooks and two one-line device queries.
+#include "core/command.hpp"
 #include "vesk_core.h"
 
 #include <unistd.h>
@@ -51,7 +52,7 @@ void vesk_led_get_wan_ip(void) {}
 void vesk_led_boot_up(int state)
 {
     if (state == 0)
-        CMD("led_ctl diag off");
+        vesk::cmd::run(__func__, "led_ctl diag off");
 }
 
 } // extern "C"

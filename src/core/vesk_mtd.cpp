@@ -1,4 +1,5 @@
 // Flash partitions by name from /proc/mtd, and UUIDs from the board MAC.
+#include "core/command.hpp"
 #include "vesk_mtd.h"
 
 #include <stdio.h>
@@ -31,7 +32,7 @@ mac_bytes board_mac(char (&buf)[80])
     mac_bytes mac = kFallbackMac;
     // A tool that ran and failed prints nothing useful either: keep the fallback.
     // Text that is no MAC gives six zero bytes.
-    if (sysinteract(buf, sizeof buf, "board_config get ethaddr") > 0)
+    if (vesk::cmd::capture(__func__, buf, "board_config get ethaddr") > 0)
         vesk_mac_str_2_bin(mac.data(), buf);
     memset(buf, 0, sizeof buf);
     return mac;
@@ -83,8 +84,8 @@ char *vesk_get_uuid_by_wlan_mac(int which)
     mac_bytes mac = board_mac(wlan_uuid_buffer);
     if (which == 1)
         mac[5] = static_cast<unsigned char>(mac[5] + 1);
-    if (sysinteract(wlan_uuid_buffer, sizeof wlan_uuid_buffer, "uuidgen -m %02X%02X%02X%02X%02X%02X", mac[0],
-                    mac[1], mac[2], mac[3], mac[4], mac[5]) <= 0) {
+    if (vesk::cmd::capture(__func__, wlan_uuid_buffer, "uuidgen -m %02X%02X%02X%02X%02X%02X", mac[0], mac[1], mac[2],
+                           mac[3], mac[4], mac[5]) <= 0) {
         memset(wlan_uuid_buffer, 0, sizeof wlan_uuid_buffer);
         strcpy(wlan_uuid_buffer, kFallbackWlanUuid);
     }

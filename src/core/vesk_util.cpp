@@ -1,5 +1,6 @@
 // Escaping user text for web pages and shell command lines, and drawing
 // random numbers from the kernel's pool.
+#include "core/command.hpp"
 #include "vesk_util.h"
 
 #include <stdint.h>
@@ -10,7 +11,7 @@
 #include <algorithm>
 #include <array>
 
-#include "core/unique.hpp"
+#include "core/random.hpp"
 #include "sysapi.h"
 #include "vesk_if.h"
 
@@ -56,15 +57,7 @@ void vesk_util_check_string_on_shell_cmd(const char *text, char *out) { vesk_uti
 
 int vesk_util_generate_random_num(void)
 {
-    vesk::unique_file pool = vesk::open_file("/dev/urandom", "r");
-    if (!pool)
-        return 0;
-    unsigned int seed = 0; // a short read seeds with 0 rather than stack garbage
-    if (fread(&seed, sizeof seed, 1, pool.get()) != 1)
-        seed = 0;
-    pool.reset();
-    srand(seed);
-    return rand();
+    return vesk::seed_from_pool() ? rand() : 0;
 }
 
 int vesk_util_generate_random_seed(const char *ifname)
@@ -78,7 +71,7 @@ int vesk_util_generate_random_seed(const char *ifname)
     for (int i = 3; i < 6; i++)
         mac_value = mac_value * 256 + signed_byte(mac[i]);
     T_PRINTF("Mac: %u, rtcTime:%u\n", mac_value, now);
-    return CMD("echo %u > /dev/urandom", mac_value + now);
+    return vesk::cmd::run(__func__, "echo %u > /dev/urandom", mac_value + now);
 }
 
 } // extern "C"

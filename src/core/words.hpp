@@ -1,6 +1,8 @@
 // Splitting a line of text into blank-separated words without copying.
 #pragma once
 
+#include <string.h>
+
 #include <string_view>
 
 namespace vesk {
@@ -19,6 +21,15 @@ inline std::string_view next_word(std::string_view &text)
     std::string_view word(text.data() + start, end - start);
     text.remove_prefix(end);
     return word;
+}
+
+// Copies text into a fixed field, cut to the field's size and terminated.
+template <size_t N> void put_text(char (&field)[N], std::string_view text)
+{
+    static_assert(N > 0);
+    size_t len = text.size() < N - 1 ? text.size() : N - 1;
+    memcpy(field, text.data(), len);
+    field[len] = '\0';
 }
 
 } // namespace vesk

@@ -2,8 +2,10 @@
 // tool, which does the cipher work.
 #include "vesk_crypt.h"
 
+#include <fcntl.h>
 #include <string.h>
 
+#include "core/command.hpp"
 #include "core/unique.hpp"
 #include "sysapi.h"
 
@@ -29,26 +31,31 @@ int run_lockwrap(const char *func, char mode, const char *input, const char *key
         return 0;
     }
 
-    CMD("rm -rf %s", output);
+    // The tool's line first: a refused name stops the call before the old
+    // output is removed.
+    vesk::unique_heap lockwrap = vesk::cmd::line(func, "lockwrap %s %c %s %s", kKeyFile, mode, input, output);
+    if (!lockwrap)
+        return 0;
+    vesk::cmd::run(func, "rm -rf %s", output);
     if (osapi_is_file_existed(kKeyFile))
-        CMD("rm -rf %s", kKeyFile);
-    // A key file that cannot be made is no stop here: lockwrap then fails
-    // and says so through its exit status.
-    if (vesk::unique_file kf = vesk::open_file(kKeyFile, "w")) {
+        vesk::cmd::run(func, "rm -rf %s", kKeyFile);
+    // The key file is the owner's alone. One that cannot be made is no stop
+    // here: lockwrap then fails and says so through its exit status.
+    if (vesk::unique_fd fd{open(kKeyFile, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600)}) {
         size_t len = strlen(key);
         if (len)
-            fwrite(key, 1, len, kf.get());
+            (void)!write(fd.get(), key, len);
         else
-            CMD("echo \"\" > /var/vesk_crypt_key_file");
+            vesk::cmd::run(func, "echo \"\" > %s", kKeyFile);
     }
 
-    if (CMD("lockwrap %s %c %s %s", kKeyFile, mode, input, output) != 0) {
+    if (vesk::cmd::run_line(lockwrap) != 0) {
         T_PRINTF("%s: lockwrap command error!\n", func);
         return 0;
     }
-    CMD("rm -rf /var/vesk_crypt_key_file");
+    vesk::cmd::run(func, "rm -rf %s", kKeyFile);
     if (!keep_input)
-        CMD("rm -rf %s", input);
+        vesk::cmd::run(func, "rm -rf %s", input);
     return 1;
 }
 

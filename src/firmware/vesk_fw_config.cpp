@@ -5,6 +5,7 @@
 
 #include <stdio.h>
 
+#include "core/command.hpp"
 #include "core/unique.hpp"
 #include "quil.h"
 #include "sysapi.h"
@@ -62,19 +63,24 @@ int vesk_do_restore_config(const char *path, int reboot)
         T_PRINTF("%s: path is NULL!\n", __func__);
         return 1;
     }
+    // A name the shell cannot be given safely stops the restore before
+    // anything changes.
+    vesk::unique_heap copy = vesk::cmd::line(__func__, "cp %s %s", path, QUIL_DAT_FILE);
+    if (!copy)
+        return 1;
     quil_update_dat_file();
     if (osapi_is_file_existed(kPrefixList))
         apply_prefix_list();
-    CMD("cp %s %s", path, QUIL_DAT_FILE);
+    vesk::cmd::run_line(copy);
     if (vesk_get_usboot()) {
-        CMD("rm %s/%s", kUsbMount, kUsbNewDat);
+        vesk::cmd::run(__func__, "rm %s/%s", kUsbMount, kUsbNewDat);
         // Both copies on the disk hold the restored file.
         copy_to_usb(path, kUsbDat);
         copy_to_usb(path, kUsbNewDat);
     }
-    CMD("rm -rf %s", path);
+    vesk::cmd::run(__func__, "rm -rf %s", path);
     if (reboot)
-        CMD("sd_ctrl inform reboot");
+        vesk::cmd::run(__func__, "sd_ctrl inform reboot");
     return 1;
 }
 
@@ -83,7 +89,8 @@ int vesk_do_backup_config(const char *key)
     quil_update_dat_file();
     // A refused key leaves no plain file; the header tool then fails alone.
     vesk_crypt_enc_file(QUIL_DAT_FILE, key, kBackupPlain, 1);
-    CMD("header -s %s -d %s -a -t %s -c %s", kBackupPlain, kBackupImage, "userconfig", vesk_product_get_fw_version());
+    vesk::cmd::run(__func__, "header -s %s -d %s -a -t %s -c %s", kBackupPlain, kBackupImage, "userconfig",
+                   vesk_product_get_fw_version());
     remove(kBackupPlain);
     return 1;
 }

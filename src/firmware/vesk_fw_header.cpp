@@ -1,6 +1,7 @@
 // The 128-byte image header: reading it from a file, printing it, its
 // version, having the header tool check an image, and the boot loader's
 // version.
+#include "core/placeholders.hpp"
 #include "vesk_fw.h"
 
 #include <stddef.h>
@@ -10,6 +11,7 @@
 
 #include <string_view>
 
+#include "core/command.hpp"
 #include "core/unique.hpp"
 #include "core/version.hpp"
 #include "firmware/fw_types.hpp"
@@ -178,7 +180,8 @@ int vesk_decode_firmware(const char *path)
         T_PRINTF("%s: path is NULL!\n", __func__);
         return 0;
     }
-    sysinteract(buf, sizeof buf, "header -x %s", path);
+    if (vesk::cmd::capture(__func__, buf, "header -x %s", path) == vesk::cmd::kRefused)
+        return 0;
     T_PRINTF("buf[%s]\n", buf);
     if (strstr(buf, "header: Return OK")) {
         T_PRINTF("OKOK!!\n");
@@ -196,8 +199,8 @@ char *vesk_fw_get_boot_ver(void)
         return boot_version_buffer;
     }
     char buf[128] = {};
-    const char *text = "---";
-    if (sysinteract(buf, sizeof buf, "board_config get bver") >= 0)
+    const char *text = vesk::kNoAnswer;
+    if (vesk::cmd::capture(__func__, buf, "board_config get bver") >= 0)
         text = vesk_remove_crlf(buf);
     snprintf(boot_version_buffer, sizeof boot_version_buffer, "%s", text);
     return boot_version_buffer;

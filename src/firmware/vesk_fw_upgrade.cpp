@@ -5,6 +5,7 @@
 #include <stdio.h>
 #include <unistd.h>
 
+#include "core/command.hpp"
 #include "core/unique.hpp"
 #include "firmware/fw_types.hpp"
 #include "sysapi.h"
@@ -47,13 +48,19 @@ int vesk_do_image_upgrade(const char *path, int type_index, int reboot, const ch
     bool known = type_index >= 0 && static_cast<size_t>(type_index) < fw_type_table.size();
     if (known)
         vesk_get_mtd_by_name(fw_type_table[static_cast<size_t>(type_index)].name, &mtd, &size);
+    // The image's path and the header's version come from an upload: a
+    // refused word stops the upgrade before anything is written.
+    vesk::unique_heap flash = vesk::cmd::line(__func__, "flashcp -v %s /dev/mtd%d", path, mtd);
+    vesk::unique_heap kver;
+    if (!flash || (version && !(kver = vesk::cmd::line(__func__, "board_config set kver %s", version))))
+        return 1;
     sleep(2);
-    CMD("flashcp -v %s /dev/mtd%d", path, mtd);
+    vesk::cmd::run_line(flash);
     sleep(1);
-    if (version)
-        CMD("board_config set kver %s", version);
+    if (kver)
+        vesk::cmd::run_line(kver);
     if (reboot)
-        CMD("sd_ctrl inform reboot");
+        vesk::cmd::run(__func__, "sd_ctrl inform reboot");
     return 1;
 }
 

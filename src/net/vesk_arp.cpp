@@ -1,4 +1,6 @@
 // Look-ups in the kernel's ARP table and the gratuitous ARP of the LAN bridge.
+#include "core/command.hpp"
+#include "core/placeholders.hpp"
 #include "vesk_arp.h"
 
 #include <arpa/inet.h>
@@ -29,8 +31,6 @@ constexpr size_t kArpLine = 128;
 constexpr size_t kField = 32;
 constexpr size_t kDevice = 16;
 constexpr size_t kMacDigits = 12;
-constexpr char kNoMac[] = "000000000000";
-constexpr char kNoIp[] = "0.0.0.0";
 
 char arp_ifname_buffer[kDevice];
 char arp_macstr_buffer[kField];
@@ -44,15 +44,6 @@ struct arp_row {
     char device[kDevice];
 };
 
-// Copies word into field, cut to the field's size.
-template <size_t N>
-void put_word(char (&field)[N], std::string_view word)
-{
-    size_t len = word.size() < N - 1 ? word.size() : N - 1;
-    memcpy(field, word.data(), len);
-    field[len] = '\0';
-}
-
 // "0x" and at least one hexadecimal digit, as the HW type and Flags columns.
 bool is_hex_word(std::string_view word)
 {
@@ -65,18 +56,18 @@ bool is_hex_word(std::string_view word)
 arp_row parse_row(std::string_view line)
 {
     arp_row row{};
-    put_word(row.mask, "-");
-    put_word(row.device, "-");
-    put_word(row.ip, vesk::next_word(line));
+    vesk::put_text(row.mask, "-");
+    vesk::put_text(row.device, "-");
+    vesk::put_text(row.ip, vesk::next_word(line));
     if (!is_hex_word(vesk::next_word(line)) || !is_hex_word(vesk::next_word(line)))
         return row;
-    put_word(row.hw, vesk::next_word(line));
+    vesk::put_text(row.hw, vesk::next_word(line));
     std::string_view mask = vesk::next_word(line);
     if (!mask.empty())
-        put_word(row.mask, mask);
+        vesk::put_text(row.mask, mask);
     std::string_view device = vesk::next_word(line);
     if (!device.empty())
-        put_word(row.device, device);
+        vesk::put_text(row.device, device);
     return row;
 }
 
@@ -153,8 +144,8 @@ const char *vesk_arp_get_macstr_by_ip(const char *ip, int do_ping)
     if (!ip)
         return nullptr;
     in_addr addr;
-    if (do_ping && inet_pton(AF_INET, ip, &addr) == 1) // nothing else reaches the shell
-        CMD("ping %s -c 1 2>&1 >/dev/null", ip);
+    if (do_ping && inet_pton(AF_INET, ip, &addr) == 1) // only an address is worth a ping
+        vesk::cmd::run(__func__, "ping %s -c 1 2>&1 >/dev/null", ip);
     bool found = each_arp_row([&](const arp_row &row) {
         if (strcmp(row.ip, ip) != 0)
             return false;
@@ -162,7 +153,7 @@ const char *vesk_arp_get_macstr_by_ip(const char *ip, int do_ping)
         vesk_string_remove_char(arp_macstr_buffer, ':');
         return true;
     });
-    return found ? arp_macstr_buffer : kNoMac;
+    return found ? arp_macstr_buffer : vesk::kNoMac;
 }
 
 const char *vesk_arp_get_ip_by_macstr(const char *macstr)
@@ -170,7 +161,7 @@ const char *vesk_arp_get_ip_by_macstr(const char *macstr)
     if (!macstr)
         return nullptr;
     if (strnlen(macstr, kMacDigits) < kMacDigits)
-        return kNoIp;
+        return vesk::kNoAddress;
     // "XX:XX:XX:XX:XX:XX" from the first 12 characters.
     char key[18];
     for (size_t i = 0; i < kMacDigits; i++) {
@@ -188,7 +179,7 @@ const char *vesk_arp_get_ip_by_macstr(const char *macstr)
         snprintf(arp_ip_buffer, sizeof arp_ip_buffer, "%s", row.ip);
         return true;
     });
-    return found ? arp_ip_buffer : kNoIp;
+    return found ? arp_ip_buffer : vesk::kNoAddress;
 }
 
 int arpping(unsigned int target_ip, unsigned int sender_ip, const unsigned char *sender_mac, const char *ifname)
@@ -246,7 +237,7 @@ int vesk_send_grat_arp(void)
     }
     char ip[16];
     snprintf(ip, sizeof ip, "%s", vesk_if_get_ip(kBridge));
-    if (strcmp(ip, "---") == 0) {
+    if (strcmp(ip, vesk::kNoAnswer) == 0) {
         T_PRINTF("%s: cannot get ip, quit!\n", __func__);
         return 0;
     }

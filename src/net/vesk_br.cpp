@@ -1,5 +1,7 @@
 // The bridge's forwarding table through the kernel's bridge control requests
 // (SIOCDEVPRIVATE with BRCTL_* sub-commands), and removal with "bridge fdb".
+#include "core/command.hpp"
+#include "core/placeholders.hpp"
 #include "vesk_br.h"
 
 #include <errno.h>
@@ -27,7 +29,6 @@ constexpr int kBusyAttempts = 10;
 // The kernel caps one read at a page of entries; this caps our scratch
 // buffer whatever the caller asks for.
 constexpr unsigned long kMaxRead = 4096;
-constexpr char kUnknown[] = "unknown";
 
 // The kernel's struct __fdb_entry as it copies it out.
 struct kernel_fdb_entry {
@@ -169,16 +170,17 @@ char *brtable_find_if_by_mac(const unsigned char *mac_bin, const char *bridge)
                 return br_ifname_buffer;
         }
     }
-    snprintf(br_ifname_buffer, sizeof br_ifname_buffer, "%s", kUnknown);
+    snprintf(br_ifname_buffer, sizeof br_ifname_buffer, "%s", vesk::kUnknown);
     return br_ifname_buffer;
 }
 
 int vesk_del_br_fdb(const char *mac_str)
 {
-    if (!mac_str || !vesk_reg_match("^([0-9a-fA-F][0-9a-fA-F]:){5}([0-9a-fA-F][0-9a-fA-F])$", mac_str))
+    // \z, not $: PCRE's $ also matches before a final newline.
+    if (!mac_str || !vesk_reg_match("^([0-9a-fA-F][0-9a-fA-F]:){5}([0-9a-fA-F][0-9a-fA-F])\\z", mac_str))
         return 0;
     char out[1024] = {};
-    if (sysinteract(out, sizeof out, "bridge fdb show | grep %s", mac_str) < 0)
+    if (vesk::cmd::capture(__func__, out, "bridge fdb show | grep %s", mac_str) < 0)
         return 0;
     // A full buffer ends in a line that may have been cut: leave that one,
     // rather than name a device by part of its name.
@@ -192,7 +194,7 @@ int vesk_del_br_fdb(const char *mac_str)
     for (char *line = strtok_r(out, "\n", &save); line; line = strtok_r(nullptr, "\n", &save)) {
         if (sscanf(line, "%*s dev %31s", dev) != 1)
             continue;
-        CMD("bridge fdb del %s dev %s\n", mac_str, dev);
+        vesk::cmd::run(__func__, "bridge fdb del %s dev %s\n", mac_str, dev);
     }
     return 1;
 }

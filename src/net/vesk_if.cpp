@@ -1,5 +1,7 @@
 // What the kernel knows about one interface: addresses, flags, index, MTU;
 // the Ethernet driver's LAN-state request, the host name and name look-ups.
+#include "core/command.hpp"
+#include "core/placeholders.hpp"
 #include "vesk_if.h"
 
 #include <arpa/inet.h>
@@ -25,7 +27,6 @@ using vesk::query_if;
 
 constexpr size_t kAddrText = 16;           // "255.255.255.255" and its terminator
 constexpr size_t kHostText = INET6_ADDRSTRLEN;
-constexpr char kNoAddr[] = "---";
 // The Ethernet driver's private request (SIOCDEVPRIVATE + 13).
 constexpr unsigned long SIOCDEVSTATE = 0x89FD;
 static_assert(SIOCDEVSTATE == SIOCDEVPRIVATE + 13);
@@ -45,7 +46,7 @@ in_addr sin_addr_of(const sockaddr &sa)
 
 void put_addr(char *buf, in_addr addr) { inet_ntop(AF_INET, &addr, buf, kAddrText); }
 
-void put_no_addr(char *buf) { snprintf(buf, kAddrText, "%s", kNoAddr); }
+void put_no_addr(char *buf) { snprintf(buf, kAddrText, "%s", vesk::kNoAnswer); }
 
 // A null name is reported with the name of the query that got it.
 bool null_name(const char *func, const char *ifname)
@@ -204,15 +205,10 @@ int vesk_net_set_hostname(const char *hostname)
         sethostname(kFallback, sizeof kFallback - 1);
     else
         sethostname(hostname, strlen(hostname));
-    // The name goes to the shell unquoted: only host-name characters may.
-    for (const char *c = hostname; c && *c; c++) {
-        if (!isalnum(static_cast<unsigned char>(*c)) && !strchr("-_.", *c)) {
-            T_PRINTF("%s: invalid hostname!\n", __func__);
-            return -1;
-        }
-    }
     // The fallback is the kernel's only: the file gets an empty line.
-    return CMD("echo %s > /etc/hostname", hostname ? hostname : "");
+    if (!hostname || !*hostname)
+        return vesk::cmd::run(__func__, "echo  > /etc/hostname");
+    return vesk::cmd::run(__func__, "echo %s > /etc/hostname", hostname);
 }
 
 char *vesk_get_host_ip_by_name(const char *node, int family)

@@ -7,6 +7,7 @@
 
 #include <string_view>
 
+#include "core/placeholders.hpp"
 #include "core/line_reader.hpp"
 #include "core/words.hpp"
 #include "sysapi.h"
@@ -20,7 +21,6 @@ constexpr size_t kResolvLine = 256;
 constexpr size_t kWord = 80;     // file name, first word and address of a resolver line
 constexpr size_t kDnsText = 128;
 
-constexpr char kNoAnswer[] = "---";
 constexpr char kRouteTable[] = "/proc/net/route";
 
 char gateway_buffer[kAddrText];
@@ -64,7 +64,7 @@ void format_route_addr(uint32_t word, char *dst)
 template <typename Pred>
 char *first_gateway(char *dst, Pred wants)
 {
-    snprintf(dst, kAddrText, "%s", kNoAnswer);
+    snprintf(dst, kAddrText, "%s", vesk::kNoAnswer);
     vesk::line_reader<kRouteLine> table(kRouteTable);
     if (!table.skip(1))
         return dst;
@@ -80,7 +80,7 @@ char *first_gateway(char *dst, Pred wants)
 
 bool counts_as_server(std::string_view addr, int allow_ipv6)
 {
-    if (addr == "10.64.64.68" || addr == "0.0.0.0")
+    if (addr == vesk::kPppPlaceholderPeer || addr == vesk::kNoAddress)
         return false;
     return allow_ipv6 || addr.find(':') == std::string_view::npos;
 }
@@ -106,7 +106,7 @@ char *vesk_if_get_default_gateway(void)
 
 char *__vesk_if_get_dns_full(const char *path, int index, const char *suffix, int allow_ipv6)
 {
-    snprintf(dns_buffer, sizeof dns_buffer, "%s", kNoAnswer);
+    snprintf(dns_buffer, sizeof dns_buffer, "%s", vesk::kNoAnswer);
     if (!path)
         return dns_buffer;
 

@@ -1,4 +1,6 @@
 // WAN state: the PPP link, the detector's findings, and port range lists.
+#include "core/command.hpp"
+#include "core/placeholders.hpp"
 #include "vesk_wan.h"
 
 #include <net/if.h>
@@ -18,8 +20,6 @@ namespace {
 constexpr size_t kPidPath = 80;
 constexpr size_t kNetstatOut = 80;
 
-// The PPP daemon's placeholder peer before the link negotiates addresses.
-constexpr std::string_view kPlaceholderGateway = "10.64.64.68";
 
 constexpr struct {
     const char *marker;
@@ -47,10 +47,8 @@ int netstat_route_check(const char *ifname)
 {
     if (!ifname || strlen(ifname) >= IFNAMSIZ)
         return -1;
-    char quoted[2 * IFNAMSIZ];
-    vesk_util_check_string_on_shell_cmd(ifname, quoted); // a name is no command
     char out[kNetstatOut] = {};
-    return sysinteract(out, sizeof out, "netstat -rn | grep %s", quoted);
+    return vesk::cmd::capture(__func__, out, "netstat -rn | grep %s", ifname);
 }
 
 // Text appended to a fixed buffer; when it would not fit it is cut and the
@@ -92,7 +90,7 @@ int vesk_wan_get_ppp_status(const char *pid_name, const char *ifname)
 {
     const bool alive = daemon_alive(pid_name);
     const std::string_view gateway(vesk_if_get_default_gateway());
-    const bool real_gateway = gateway != "---" && gateway != kPlaceholderGateway;
+    const bool real_gateway = gateway != vesk::kNoAnswer && gateway != vesk::kPppPlaceholderPeer;
     const int route_check = netstat_route_check(ifname);
     if (!alive)
         return 0;

@@ -1,4 +1,5 @@
 // The product table and the board's identity as board_config tells it.
+#include "core/command.hpp"
 #include "vesk_product.h"
 
 #include <stdio.h>
@@ -178,7 +179,10 @@ uint8_t vesk_product_get_board_domain(int second)
 {
     unsigned int value = second ? 7 : 5;
     char buf[4] = {};
-    sysinteract(buf, sizeof buf, second ? "board_config get dom2" : "board_config get domain");
+    if (second)
+        vesk::cmd::capture(__func__, buf, "board_config get dom2");
+    else
+        vesk::cmd::capture(__func__, buf, "board_config get domain");
     if (buf[0] != '\0')
         sscanf(buf, "%x", &value); // a failed scan keeps the default
     return static_cast<uint8_t>(value);
@@ -186,7 +190,7 @@ uint8_t vesk_product_get_board_domain(int second)
 
 char *vesk_product_get_board_hw_id_str(void)
 {
-    sysinteract(board_hw_id_buffer, sizeof board_hw_id_buffer, "board_config get hw_id");
+    vesk::cmd::capture(__func__, board_hw_id_buffer, "board_config get hw_id");
     return board_hw_id_buffer;
 }
 

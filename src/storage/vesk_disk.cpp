@@ -6,6 +6,7 @@
 #include <string.h>
 #include <sys/statfs.h>
 
+#include "core/command.hpp"
 #include "core/line_reader.hpp"
 #include "core/unique.hpp"
 #include "sysapi.h"
@@ -45,26 +46,11 @@ char *find_mount(const char *wanted, mount_field match, char (&result)[kPathFiel
     return nullptr;
 }
 
-// Arguments go into shell command lines unquoted: allow only the characters
-// of device names and paths, so that no text can add a command.
-bool is_shell_word(const char *s)
-{
-    if (!*s)
-        return false;
-    for (; *s; s++) {
-        unsigned char c = static_cast<unsigned char>(*s);
-        bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-        if (!plain && !strchr("/._-+:,@=%", c))
-            return false;
-    }
-    return true;
-}
-
 // A mount point is removed with "rm -rf" before mounting: it must be an
 // absolute path that names something below the root.
 bool is_removable_dir(const char *path)
 {
-    if (!is_shell_word(path) || path[0] != '/')
+    if (path[0] != '/')
         return false;
     bool named = false;
     for (const char *p = path; *p;) {
@@ -85,7 +71,7 @@ void report_copy_failure(int report)
     if (!report)
         return;
     system_log(0, "Can not copy file to USB disk");
-    CMD("led_ctl diag D5");
+    vesk::cmd::run(__func__, "led_ctl diag D5");
 }
 
 } // namespace
@@ -124,7 +110,7 @@ char *vesk_disk_get_mount_dev(const char *mount_point)
 
 int vesk_disk_mount(const char *dev_name, const char *mount_point)
 {
-    if (!dev_name || !mount_point || !is_shell_word(dev_name) || !is_removable_dir(mount_point)) {
+    if (!dev_name || !mount_point || !is_removable_dir(mount_point)) {
         printf("%s: input error!\n", __func__);
         return 0;
     }
@@ -133,9 +119,11 @@ int vesk_disk_mount(const char *dev_name, const char *mount_point)
         return 1;
     }
     puts("!!!!!!!!!!!!");
-    CMD("rm -rf %s", mount_point);
-    CMD("mkdir -p  %s", mount_point);
-    CMD("mount %s %s", dev_name, mount_point);
+    if (vesk::cmd::run(__func__, "rm -rf %s", mount_point) == vesk::cmd::kRefused)
+        return 0;
+    vesk::cmd::run(__func__, "mkdir -p  %s", mount_point);
+    if (vesk::cmd::run(__func__, "mount %s %s", dev_name, mount_point) == vesk::cmd::kRefused)
+        return 0;
     return vesk_disk_get_mount_dev(mount_point) ? 1 : 0;
 }
 
@@ -145,29 +133,26 @@ int vesk_disk_unmount(const char *mount_point)
         printf("%s: mount_point is NULL!\n", __func__);
         return 0;
     }
-    if (!is_shell_word(mount_point)) {
-        printf("%s: input error!\n", __func__);
+    vesk::cmd::run(__func__, "sync;sync;sync");
+    if (vesk::cmd::run(__func__, "umount -f %s", mount_point) == vesk::cmd::kRefused)
         return 0;
-    }
-    CMD("sync;sync;sync");
-    CMD("umount -f %s", mount_point);
     return vesk_disk_get_mount_dev(mount_point) ? 0 : 1;
 }
 
 int vesk_disk_save_copy_file(const char *src, const char *dst, const char *mount_point, int report)
 {
-    if (!src || !dst || !is_shell_word(src) || !is_shell_word(dst)) {
+    if (!src || !dst) {
         printf("%s: input error!\n", __func__);
         return 0;
     }
     const char *dev = vesk_disk_get_mount_dev(mount_point);
-    if (!dev || !is_shell_word(dev))
+    if (!dev)
         return 0;
 
     // grep matches by substring: the first line that holds the device's
     // name decides, even when it is a longer name's line.
     char out[256] = {};
-    if (sysinteract(out, sizeof out, "cat /proc/mounts | grep %s", dev) == -1)
+    if (vesk::cmd::capture(__func__, out, "cat /proc/mounts | grep %s", dev) == -1)
         return 0;
     char options[256] = {};
     if (sscanf(out, "%*s %*s %*s %255s %*d %*d", options) != 1)
@@ -190,7 +175,11 @@ int vesk_disk_save_copy_file(const char *src, const char *dst, const char *mount
         return 0; // a marker in the place of a file name
 
     // Any non-zero result is a finished copy; a failing cp prints into out.
-    if (sysinteract(out, sizeof out, "cp %s %s 2>&1", src, dst) != 0)
+    // A refused name made no copy and is no disk failure.
+    vesk::unique_heap cp = vesk::cmd::line(__func__, "cp %s %s 2>&1", src, dst);
+    if (!cp)
+        return 0;
+    if (vesk::cmd::capture_line(out, cp) != 0)
         return 1;
     report_copy_failure(report);
     remove(dst);

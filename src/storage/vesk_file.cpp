@@ -1,17 +1,19 @@
 // Text files kept within a bound of lines.
 //
 // The assertion lines of this file are part of what the device prints when
-// a caller passes bad arguments, and field scripts match on them:
-// vesk_file_text_append asserts on line 44, vesk_file_text_truncate on lines
-// 78 and 79. Keep those statements where they are.
+// a caller passes bad arguments, and field scripts match on them: their line
+// numbers are written out.
 #include "vesk_file.h"
 
+#include <errno.h>
 #include <stdarg.h>
 #include <stdio.h>
+#include <sys/stat.h>
 
+#include "core/assert.hpp"
+#include "core/command.hpp"
 #include "core/unique.hpp"
 #include "sysapi.h"
-#include "vesk_core.h"
 
 namespace {
 
@@ -24,7 +26,15 @@ constexpr const char kWorkFile[] = "/tmp/vesk_file_text_truncate.tmp";
 // A line as the copy loop sees it: longer lines come in pieces.
 constexpr int kLineCapacity = 256;
 
-void remove_work_file() { CMD("rm -rf %s", kWorkFile); }
+void remove_work_file() { vesk::cmd::run("vesk_file_text_truncate", "rm -rf %s", kWorkFile); }
+
+// The file is moved onto the target: a directory there (anyone can make one
+// in /tmp) would take the file in and the copy-back would find no lines.
+bool usable_target(const char *path)
+{
+    struct stat st;
+    return lstat(path, &st) != 0 ? errno == ENOENT : S_ISREG(st.st_mode);
+}
 
 } // namespace
 
@@ -41,7 +51,7 @@ void vesk_file_text_append(const char *filename, const char *format, ...)
     }
 
     // The text is formatted before the test, as the device's callers expect.
-    VESK_ASSERT(filename!=NULL);
+    VESK_ASSERT_AT(44, filename!=NULL);
 
     T_PRINTF("[%s]\n", text_line_buffer);
     vesk::unique_file f = vesk::open_file(filename, "a");
@@ -75,8 +85,8 @@ static void copy_tail(FILE *from, FILE *to, unsigned int first_kept_after)
 // reports a failure: the result is always 1.
 int vesk_file_text_truncate(const char *filename, const char *backup, int i_max_line, int i_line_to_free)
 {
-    VESK_ASSERT(filename!=NULL);
-    VESK_ASSERT(i_max_line>=0 && i_line_to_free>=0 && i_max_line>=i_line_to_free);
+    VESK_ASSERT_AT(78, filename!=NULL);
+    VESK_ASSERT_AT(79, i_max_line>=0 && i_line_to_free>=0 && i_max_line>=i_line_to_free);
 
     if (!osapi_is_file_existed(filename))
         return 1;
@@ -91,7 +101,11 @@ int vesk_file_text_truncate(const char *filename, const char *backup, int i_max_
     // A failed move leaves the file where it was; reading an older target
     // then would overwrite the file with stale lines.
     const char *target = backup ? backup : kWorkFile;
-    if (CMD("mv %s %s", filename, target) != 0)
+    if (!usable_target(target)) {
+        T_PRINTF("%s: %s is no regular file, not cut\n", __func__, target);
+        return 1;
+    }
+    if (vesk::cmd::run(__func__, "mv %s %s", filename, target) != 0)
         return 1;
 
     // When either open fails the lines lie only in the target: keep it,

@@ -7,6 +7,7 @@
 #include <string.h>
 #include <time.h>
 
+#include "core/command.hpp"
 #include "core/line_reader.hpp"
 #include "core/unique.hpp"
 #include "sysapi.h"
@@ -16,11 +17,13 @@
 namespace {
 
 constexpr const char kList[] = "/var/logfile_list.txt";
+constexpr const char kWebList[] = "/var/logfile_web_list.txt";
 constexpr const char kTodayList[] = "/var/logfile_today_list.txt";
 constexpr const char kNullInput[] = "Error: %s, input is NULL!\n";
 
 constexpr size_t kDateSize = 80;
 constexpr size_t kFieldSize = 128; // last_tag, last_date and a list line
+constexpr size_t kPatternSize = 2 * kFieldSize;
 
 char log_filename_buffer[80];
 
@@ -37,8 +40,10 @@ int vesk_logfile_list_files(const char *dir, const char *prefix, const char *tag
         T_PRINTF(kNullInput, __func__);
         return 0;
     }
-    CMD("cd %s;ls %s*.%s |sort -n> /var/logfile_list.txt", dir, prefix, ext);
-    CMD("cd %s;ls %s*.%s |sort -r> /var/logfile_web_list.txt", dir, prefix, ext);
+    // The star is the shell's: it lists every tag and day of the prefix.
+    if (vesk::cmd::run(__func__, "cd %s;ls %s*.%s |sort -n> %s", dir, prefix, ext, kList) == vesk::cmd::kRefused)
+        return 0;
+    vesk::cmd::run(__func__, "cd %s;ls %s*.%s |sort -r> %s", dir, prefix, ext, kWebList);
     return 1;
 }
 
@@ -61,7 +66,15 @@ int vesk_logfile_get_last_record_date_and_number(const char *dir, const char *pr
     today(date);
     // A basic regular expression, not a wild card: the star repeats the
     // date's last digit, so every day of the date's ten-day span matches.
-    CMD("grep -h %s_%s_%s* %s > %s", prefix, tag, date, kList, kTodayList);
+    // It goes to grep as one quoted word, never expanded by the shell.
+    char pattern[kPatternSize];
+    int len = snprintf(pattern, sizeof pattern, "%s_%s_%s*", prefix, tag, date);
+    if (len < 0 || static_cast<size_t>(len) >= sizeof pattern) {
+        T_PRINTF("%s: name parts too long!\n", __func__);
+        return 0;
+    }
+    if (vesk::cmd::run(__func__, "grep -h %s %s > %s", pattern, kList, kTodayList) == vesk::cmd::kRefused)
+        return 0;
     if (getNumOfRecord(kTodayList, 0) == 0) {
         T_PRINTF("Warning, File [%s/%s] has no record!\n", dir, prefix);
         return 0;
@@ -92,7 +105,7 @@ int vesk_logfile_get_last_record_date_and_number(const char *dir, const char *pr
     memcpy(last_date, date_field, kFieldSize);
     memcpy(last_tag, tag_field, kFieldSize);
     *last_number = number;
-    CMD("rm -rf /var/logfile_today_list.txt");
+    vesk::cmd::run(__func__, "rm -rf %s", kTodayList);
     return 1;
 }
 

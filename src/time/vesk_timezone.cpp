@@ -9,6 +9,7 @@
 #include <string_view>
 #include <span>
 
+#include "core/command.hpp"
 #include "quil.h"
 #include "sysapi.h"
 #include "vesk_string.h"
@@ -164,7 +165,7 @@ extern "C" {
 int vesk_set_time_zone(unsigned int index)
 {
     std::array<uint8_t, kDaylightRecordSize> rec = {};
-    char command[kCommandSize] = {};
+    char zone[kCommandSize] = {};
     quil_get_value(rec.data(), "timedaylight");
 
     if (index >= kZoneCount) {
@@ -179,18 +180,17 @@ int vesk_set_time_zone(unsigned int index)
         return 0;
     }
 
-    CMD("rm -rf %s", kTzFile);
+    vesk::cmd::run(__func__, "rm -rf %s", kTzFile);
     const time_zone_row &row = vesk_time_zone_table[index];
-    vesk_strcat(command, "echo %s", row.std_zone);
+    vesk_strcat(zone, "%s", row.std_zone);
     if (dst.enable) {
         // Day numbers of a leap year without the J letter: POSIX counts the
         // leap day, so in a common year a date after February falls a day
         // later than the record says.
-        vesk_strcat(command, "%s,%d/%s,%d/%s", row.dst_zone, date_to_non_zero_julian_day(dst.start_month, dst.start_day),
+        vesk_strcat(zone, "%s,%d/%s,%d/%s", row.dst_zone, date_to_non_zero_julian_day(dst.start_month, dst.start_day),
                     "00:00:00", date_to_non_zero_julian_day(dst.end_month, dst.end_day), "23:59:59");
     }
-    vesk_strcat(command, " > %s", kTzFile);
-    CMD("%s", command);
+    vesk::cmd::run(__func__, "echo %s > %s", zone, kTzFile);
     return 1;
 }
 
@@ -201,7 +201,10 @@ int vesk_set_date_time(const struct tm *t, int utc)
         return 0;
     }
     // Month, day, hour, minute, year: the order the date tool takes.
-    CMD("date %02d%02d%02d%02d%04d %s", t->tm_mon, t->tm_mday, t->tm_hour, t->tm_min, t->tm_year, utc ? "-u" : "");
+    if (utc)
+        vesk::cmd::run(__func__, "date %02d%02d%02d%02d%04d -u", t->tm_mon, t->tm_mday, t->tm_hour, t->tm_min, t->tm_year);
+    else // the blank at the end is the empty last word of the device's command
+        vesk::cmd::run(__func__, "date %02d%02d%02d%02d%04d ", t->tm_mon, t->tm_mday, t->tm_hour, t->tm_min, t->tm_year);
     usleep(200);
     return 1;
 }

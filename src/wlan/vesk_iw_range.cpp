@@ -8,7 +8,7 @@
 
 #include <array>
 
-#include "core/iwreq.hpp"
+#include "wlan/driver.hpp"
 
 namespace {
 
@@ -60,8 +60,8 @@ extern "C" {
 int iw_get_range_info(int skfd, const char *ifname, iw_range *range)
 {
     alignas(iw_range) unsigned char buffer[kRangeBuffer] = {};
-    vesk::iwreq req;
-    if (!vesk::make_iwreq(req, ifname, buffer, sizeof buffer, 0) || ioctl(skfd, SIOCGIWRANGE, &req) < 0)
+    vesk::wlan::iwreq req;
+    if (!vesk::wlan::make_iwreq(req, ifname, buffer, sizeof buffer, 0) || ioctl(skfd, SIOCGIWRANGE, &req) < 0)
         return -1;
     constexpr size_t kVersion = offsetof(iw_range, we_version_compiled);
     if (req.u.data.length < kVersionedLength)

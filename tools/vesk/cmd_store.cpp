@@ -1,3 +1,4 @@
+#include <ctype.h>
 #include <stdio.h>
 #include <string.h>
 
@@ -29,14 +30,43 @@ int get(int, char **argv)
     return 0;
 }
 
-int set_number(int, char **argv)
+// Hex digits, two per byte, exactly as many as the record holds.
+bool parse_record(const char *text, unsigned char *out, int size)
 {
-    int v;
-    if (!cli::parse_int(argv[1], &v)) {
-        fprintf(stderr, "vesk store: %s is not a number\n", argv[1]);
+    if (strlen(text) != static_cast<size_t>(2 * size))
+        return false;
+    for (int i = 0; i < size; i++) {
+        unsigned int byte;
+        if (!isxdigit(static_cast<unsigned char>(text[2 * i])) || !isxdigit(static_cast<unsigned char>(text[2 * i + 1])) ||
+            sscanf(text + 2 * i, "%2x", &byte) != 1)
+            return false;
+        out[i] = static_cast<unsigned char>(byte);
+    }
+    return true;
+}
+
+// Number keys take a number; record keys take hex of exactly their size.
+int set(int, char **argv)
+{
+    int is_number = 0;
+    const int size = quil_key_info(argv[0], &is_number);
+    unsigned char value[128] = {};
+    if (!size || size > static_cast<int>(sizeof value)) {
+        fprintf(stderr, "vesk store: unknown key %s\n", argv[0]);
         return 2;
     }
-    return quil_set_value(&v, argv[0]) == 0 ? 0 : 1;
+    if (is_number) {
+        int v;
+        if (!cli::parse_int(argv[1], &v)) {
+            fprintf(stderr, "vesk store: %s is not a number\n", argv[1]);
+            return 2;
+        }
+        memcpy(value, &v, sizeof v);
+    } else if (!parse_record(argv[1], value, size)) {
+        fprintf(stderr, "vesk store: %s takes %d bytes as %d hex digits\n", argv[0], size, 2 * size);
+        return 2;
+    }
+    return quil_set_value(value, argv[0]) == 0 ? 0 : 1;
 }
 
 int usboot(int, char **) { return printf("%d\n", vesk_get_usboot()) < 0; }
@@ -44,7 +74,7 @@ int sch_en(int, char **) { return printf("%d\n", vesk_util_get_sch_en()) < 0; }
 
 constexpr cli::command kCommands[] = {
     {"get", "KEY", "value of a store key (records in hex, zeros when unset)", 1, get},
-    {"set", "KEY NUMBER", "set a number key", 2, set_number},
+    {"set", "KEY VALUE", "set a key: a number, or a record in hex of its exact size", 2, set},
     {"usboot", "", "1 in USB-boot operation (/mnt/usboot exists)", 0, usboot},
     {"schedule", "", "1 when the schedule is enabled (schedule_en)", 0, sch_en},
 };

@@ -1,0 +1,238 @@
+// Words from outside never reach the shell as syntax. Every function that
+// builds a command line from a caller's argument, a file, a header field or
+// a tool's output gets each hostile word; the marker file must never appear,
+// sentinels beside the paths must survive globs, and a plain word gives
+// exactly the device's command line.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "fake_sleep.hpp"
+#include "vdev.hpp"
+#include "vesk_br.h"
+#include "vesk_crypt.h"
+#include "vesk_disk.h"
+#include "vesk_file.h"
+#include "vesk_fw.h"
+#include "vesk_if.h"
+#include "vesk_logfile.h"
+#include "vesk_wan.h"
+
+namespace {
+
+using lines = std::vector<std::string>;
+constexpr char kMarker[] = "/tmp/owned";
+
+std::vector<std::string> hostile_words()
+{
+    std::string long_path;
+    while (long_path.size() < 3900)
+        long_path += std::string(200, 'a') + "/";
+    return {";touch /tmp/owned",   "|touch /tmp/owned",     "&touch /tmp/owned", "$(touch /tmp/owned)",
+            "`touch /tmp/owned`",  "'$(touch /tmp/owned)'", "\"`touch /tmp/owned`\"", "a b;touch /tmp/owned",
+            "a\ttouch /tmp/owned", "x\ntouch /tmp/owned",   "-rf",               "*",
+            "?[a-z]*",             long_path + ";touch /tmp/owned"};
+}
+
+vesk_fw_header kernel_header(const std::string &version)
+{
+    vesk_fw_header h = {};
+    h.type = 3;
+    snprintf(h.code_version, sizeof h.code_version, "%s", version.c_str());
+    return h;
+}
+
+// One use of a word per function that builds a command from outside text.
+const struct site {
+    const char *name;
+    std::function<void(const std::string &)> call;
+} kSites[] = {
+    {"disk mount", [](const std::string &w) { vesk_disk_mount(w.c_str(), ("/mnt/" + w).c_str()); }},
+    {"disk unmount", [](const std::string &w) { vesk_disk_unmount(("/mnt/" + w).c_str()); }},
+    {"disk copy",
+     [](const std::string &w) {
+         vdev::put("/tmp/" + w, "config");
+         vesk_disk_save_copy_file(("/tmp/" + w).c_str(), ("/mnt/usb1/" + w).c_str(), "/mnt/usb1", 0);
+     }},
+    {"disk copy, device from /proc/mounts",
+     [](const std::string &w) {
+         vdev::put("/proc/mounts", "rootfs / rootfs rw 0 0\n" + w + " /mnt/usb1 vfat rw 0 0\n");
+         vesk_disk_save_copy_file("/tmp/cfg", "/mnt/usb1/cfg", "/mnt/usb1", 0);
+         vdev::remove("/proc/mounts");
+     }},
+    {"text truncate",
+     [](const std::string &w) {
+         vdev::put("/tmp/" + w, "1\n2\n");
+         vesk_file_text_truncate(("/tmp/" + w).c_str(), ("/tmp/bak" + w).c_str(), 1, 0);
+     }},
+    {"log file name", [](const std::string &w) { vesk_logfile_get_filename(("/var/log/" + w).c_str(), w.c_str(), w.c_str(), w.c_str()); }},
+    {"encrypt",
+     [](const std::string &w) {
+         vdev::put("/tmp/" + w, "plain");
+         vesk_crypt_enc_file(("/tmp/" + w).c_str(), "key", ("/tmp/out" + w).c_str(), 0);
+     }},
+    {"decrypt",
+     [](const std::string &w) {
+         vdev::put("/tmp/" + w, "cipher");
+         vesk_crypt_dec_file(("/tmp/" + w).c_str(), "key", ("/tmp/out" + w).c_str(), 1);
+     }},
+    {"decode firmware", [](const std::string &w) { vesk_decode_firmware(("/tmp/" + w).c_str()); }},
+    {"restore config",
+     [](const std::string &w) {
+         vdev::put("/tmp/" + w, "config");
+         vesk_do_restore_config(("/tmp/" + w).c_str(), 0);
+     }},
+    {"image upgrade", [](const std::string &w) { vesk_do_image_upgrade(("/tmp/" + w).c_str(), 0, 0, w.c_str()); }},
+    {"kernel header version",
+     [](const std::string &w) {
+         vesk_fw_header h = kernel_header(w);
+         vesk_flash_event_handle("/tmp/kernel.bin", &h, 0);
+     }},
+    {"ppp check", [](const std::string &w) { vesk_wan_get_ppp_status("pppd", w.c_str()); }},
+    {"hostname", [](const std::string &w) { vesk_net_set_hostname(w.c_str()); }},
+};
+
+class Command : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        fake_sleep::reset();
+        vdev::put("/var/run/pppd.pid", std::to_string(getpid()));
+        vdev::put("/tmp/kernel.bin", "kernel");
+        vdev::put("/tmp/cfg", "config");
+        ASSERT_EQ(vdev::sh("echo '/dev/sdz1 tmpfs size=1m' >> /run/vdev/disks && mkdir -p /mnt/usb1 && "
+                           "mount /dev/sdz1 /mnt/usb1"), 0);
+        vdev::clear_journal();
+    }
+};
+
+TEST_F(Command, HostileWordsNeverRunAsCommands)
+{
+    for (const auto &word : hostile_words()) {
+        for (const auto &s : kSites) {
+            SCOPED_TRACE(std::string(s.name) + ": " + word.substr(0, 40));
+            for (const char *sentinel : {"/tmp/keep", "/mnt/keep", "/var/log/keep", "/mnt/usb1/keep"})
+                vdev::put(sentinel, "k");
+            s.call(word);
+            EXPECT_FALSE(vdev::exists(kMarker));
+            vdev::remove(kMarker);
+            for (const char *sentinel : {"/tmp/keep", "/mnt/keep", "/var/log/keep", "/mnt/usb1/keep"})
+                EXPECT_TRUE(vdev::exists(sentinel)) << sentinel;
+        }
+    }
+}
+
+TEST_F(Command, PlainWordsGiveTheDeviceCommandLines)
+{
+    vdev::put("/tmp/in", "plain");
+    vdev::put("/tmp/old", "1\n2\n");
+    const struct {
+        const char *what;
+        std::function<void()> call;
+        lines want;
+    } cases[] = {
+        {"mount", [] { vesk_disk_mount("/dev/sdz2", "/mnt/usb2"); },
+         {"rm -rf /mnt/usb2", "mkdir -p  /mnt/usb2", "mount /dev/sdz2 /mnt/usb2"}},
+        {"unmount", [] { vesk_disk_unmount("/mnt/usb2"); }, {"sync;sync;sync", "umount -f /mnt/usb2"}},
+        {"copy", [] { vesk_disk_save_copy_file("/tmp/cfg", "/mnt/usb1/cfg", "/mnt/usb1", 0); },
+         {"cat /proc/mounts | grep /dev/sdz1", "cp /tmp/cfg /mnt/usb1/cfg 2>&1"}},
+        {"truncate", [] { vesk_file_text_truncate("/tmp/old", nullptr, 1, 0); },
+         {"mv /tmp/old /tmp/vesk_file_text_truncate.tmp", "rm -rf /tmp/vesk_file_text_truncate.tmp"}},
+        {"encrypt", [] { vesk_crypt_enc_file("/tmp/in", "", "/tmp/out", 0); },
+         {"rm -rf /tmp/out", "echo \"\" > /var/vesk_crypt_key_file", "lockwrap /var/vesk_crypt_key_file e /tmp/in /tmp/out",
+          "rm -rf /var/vesk_crypt_key_file", "rm -rf /tmp/in"}},
+        {"restore", [] { vesk_do_restore_config("/tmp/cfg", 1); },
+         {"cp /tmp/cfg /storage/quil.dat", "rm -rf /tmp/cfg", "sd_ctrl inform reboot"}},
+        {"upgrade", [] { vesk_do_image_upgrade("/tmp/kernel.bin", 1, 0, "1.0.12"); },
+         {"flashcp -v /tmp/kernel.bin /dev/mtd3", "board_config set kver 1.0.12"}},
+        {"ppp", [] { vesk_wan_get_ppp_status("pppd", "ppp0"); }, {"netstat -rn | grep ppp0"}},
+        {"hostname", [] { vesk_net_set_hostname("ap-kitchen"); }, {"echo ap-kitchen > /etc/hostname"}},
+        {"empty hostname", [] { vesk_net_set_hostname(""); }, {"echo  > /etc/hostname"}},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.what);
+        vdev::clear_journal();
+        c.call();
+        EXPECT_EQ(vdev::commands(), c.want);
+    }
+}
+
+TEST_F(Command, OtherWordsAreQuotedAndWork)
+{
+    // A blank in a restored file's name once made "rm -rf" delete the store.
+    vdev::put("/tmp/upload/my quil.dat", "restored\n");
+    ASSERT_EQ(chdir("/storage"), 0);
+    vesk_do_restore_config("/tmp/upload/my quil.dat", 0);
+    EXPECT_EQ(vdev::read("/storage/quil.dat"), "restored\n");
+    EXPECT_FALSE(vdev::exists("/tmp/upload/my quil.dat"));
+    EXPECT_EQ(vdev::commands(), (lines{"cp '/tmp/upload/my quil.dat' /storage/quil.dat", "rm -rf '/tmp/upload/my quil.dat'"}));
+
+    // A tilde and a quote go through as they are.
+    vdev::put("/tmp/it's~1", "config");
+    vdev::clear_journal();
+    EXPECT_EQ(vesk_disk_save_copy_file("/tmp/it's~1", "/mnt/usb1/it's~1", "/mnt/usb1", 0), 1);
+    EXPECT_EQ(vdev::read("/mnt/usb1/it's~1"), "config");
+    EXPECT_EQ(vdev::commands().back(), "cp '/tmp/it'\\''s~1' '/mnt/usb1/it'\\''s~1' 2>&1");
+}
+
+TEST_F(Command, RefusedWordsRunNothingAndSaySo)
+{
+    const struct {
+        const char *what;
+        std::function<int()> call;
+        int result;
+    } cases[] = {
+        {"option as input", [] { return vesk_crypt_enc_file("-rf", "k", "/tmp/out", 0); }, 0},
+        {"newline in version", [] { return vesk_do_image_upgrade("/tmp/kernel.bin", 0, 0, "1\n2"); }, 1},
+        {"option as restore path", [] { return vesk_do_restore_config("-/tmp/cfg", 1); }, 1},
+        {"newline in hostname", [] { return vesk_net_set_hostname("a\nb"); }, -1},
+    };
+    ASSERT_EQ(chdir("/tmp"), 0);
+    vdev::put("-rf", "x");
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.what);
+        vdev::clear_journal();
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(c.call(), c.result);
+        EXPECT_NE(testing::internal::GetCapturedStderr().find("argument"), std::string::npos);
+        EXPECT_EQ(vdev::commands(), lines{});
+    }
+    vdev::remove("-rf");
+    // Nothing of a refused restore happened: no reboot, the store is whole.
+    EXPECT_TRUE(vdev::exists("/tmp/cfg"));
+}
+
+TEST(CommandLine, LongLinesAreRefusedNotCut)
+{
+    // "echo NAME > /etc/hostname" is the name and 21 bytes.
+    const std::string fits(8192 - 21, 'a'), over(8192 - 20, 'a');
+    vdev::clear_journal();
+    EXPECT_EQ(vesk_net_set_hostname(fits.c_str()), 0);
+    EXPECT_EQ(vesk_net_set_hostname(over.c_str()), -1);
+    const lines run = vdev::commands();
+    ASSERT_EQ(run.size(), 1u);
+    EXPECT_TRUE(run[0] == "echo " + fits + " > /etc/hostname");
+}
+
+// The bridge tool's output names devices: a device whose name is shell
+// syntax is deleted from the table, and nothing runs.
+TEST(CommandLine, DeviceNamesFromTheBridgeTool)
+{
+    ASSERT_EQ(vdev::sh("ip link add 'a;touch$IFS.z' type veth peer name zpeer && ip link set 'a;touch$IFS.z' master br0 &&"
+                       " bridge fdb add 02:aa:bb:cc:dd:05 dev 'a;touch$IFS.z' master static"), 0);
+    vdev::clear_journal();
+    ASSERT_EQ(chdir("/tmp"), 0);
+    EXPECT_EQ(vesk_del_br_fdb("02:aa:bb:cc:dd:05"), 1);
+    EXPECT_FALSE(vdev::exists("/tmp/.z"));
+    EXPECT_EQ(vdev::commands().back(), "bridge fdb del 02:aa:bb:cc:dd:05 dev 'a;touch$IFS.z'\n");
+    // A trailing newline is no part of a MAC address.
+    vdev::clear_journal();
+    EXPECT_EQ(vesk_del_br_fdb("02:aa:bb:cc:dd:05\n"), 0);
+    EXPECT_EQ(vdev::commands(), lines{});
+}
+
+} // namespace
