@@ -9,10 +9,12 @@
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <link.h>
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/mman.h>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -34,6 +36,7 @@ struct mapping {
 };
 static struct mapping vesk_maps[16];
 static int vesk_map_count;
+static const struct snapshot *bss_target; /* the snapshot whose libvesk bss is listed */
 
 static int group_of(const char *path)
 {
@@ -62,9 +65,51 @@ static int field_of(const char *line)
     return -1;
 }
 
-/* Reads smaps into s; with keep, records libvesk's mappings one by one.
- * The anonymous mapping right after a library's last file mapping is its
- * bss and is counted with it. */
+/* A library's bss beyond its last file page is anonymous memory, and the
+ * kernel may merge it with a neighbouring anonymous mapping; so it is
+ * counted from the library's own program headers: the pages of each
+ * segment's zero-filled tail that are resident (all private and dirty). */
+static int add_bss(struct dl_phdr_info *info, size_t size, void *arg)
+{
+    (void)size;
+    struct snapshot *s = arg;
+    int g = group_of(info->dlpi_name);
+    if (g < 0)
+        return 0;
+    const uintptr_t page = (uintptr_t)sysconf(_SC_PAGESIZE);
+    for (int i = 0; i < info->dlpi_phnum; i++) {
+        const ElfW(Phdr) *ph = &info->dlpi_phdr[i];
+        if (ph->p_type != PT_LOAD || ph->p_memsz <= ph->p_filesz)
+            continue;
+        uintptr_t start = (info->dlpi_addr + ph->p_vaddr + ph->p_filesz + page - 1) & ~(page - 1);
+        uintptr_t end = (info->dlpi_addr + ph->p_vaddr + ph->p_memsz + page - 1) & ~(page - 1);
+        if (end <= start)
+            continue;
+        unsigned char vec[256];
+        unsigned long resident = 0, pages = (end - start) / page;
+        for (unsigned long done = 0; done < pages; done += sizeof vec) {
+            unsigned long n = pages - done < sizeof vec ? pages - done : sizeof vec;
+            if (mincore((void *)(start + done * page), n * page, vec) != 0)
+                return 0;
+            for (unsigned long k = 0; k < n; k++)
+                resident += vec[k] & 1;
+        }
+        unsigned long size_kb = pages * page / 1024, rss_kb = resident * page / 1024;
+        s->kb[g][F_SIZE] += size_kb;
+        s->kb[g][F_RSS] += rss_kb;
+        s->kb[g][F_PRIV_DIRTY] += rss_kb;
+        if (s == bss_target && g == G_VESK && vesk_map_count < (int)(sizeof vesk_maps / sizeof vesk_maps[0])) {
+            struct mapping *m = &vesk_maps[vesk_map_count++];
+            memset(m, 0, sizeof *m);
+            snprintf(m->perms, sizeof m->perms, "bss");
+            m->kb[F_SIZE] = size_kb;
+            m->kb[F_RSS] = m->kb[F_PRIV_DIRTY] = rss_kb;
+        }
+    }
+    return 0;
+}
+
+/* Reads smaps into s; with keep, records libvesk's mappings one by one. */
 static int take(struct snapshot *s, int keep)
 {
     FILE *f = fopen("/proc/thread-self/smaps", "r");
@@ -76,23 +121,20 @@ static int take(struct snapshot *s, int keep)
     if (keep)
         vesk_map_count = 0;
     char line[512];
-    int group = -1, prev_group = -1, counted = 0;
+    int group = -1, counted = 0;
     struct mapping *m = NULL;
     while (fgets(line, sizeof line, f)) {
         unsigned long long start, end;
         char perms[5], path[256] = "";
         if (sscanf(line, "%llx-%llx %4s %*s %*s %*s %255s", &start, &end, perms, path) >= 3) {
             int g = group_of(path);
-            if (g < 0 && path[0] == '\0' && prev_group >= 0)
-                g = prev_group; /* bss */
-            prev_group = group_of(path);
             group = g;
             counted = !(sizeof(void *) == 4 && end > 0x100000000ULL);
             m = NULL;
             if (keep && g == G_VESK && vesk_map_count < (int)(sizeof vesk_maps / sizeof vesk_maps[0])) {
                 m = &vesk_maps[vesk_map_count++];
                 memset(m, 0, sizeof *m);
-                snprintf(m->perms, sizeof m->perms, "%s", path[0] ? perms : "anon");
+                snprintf(m->perms, sizeof m->perms, "%s", perms);
             }
             continue;
         }
@@ -108,6 +150,8 @@ static int take(struct snapshot *s, int keep)
             m->kb[field] += kb;
     }
     fclose(f);
+    bss_target = keep ? s : NULL;
+    dl_iterate_phdr(add_bss, s);
     return 1;
 }
 

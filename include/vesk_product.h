@@ -2,9 +2,11 @@
  * colours), chosen by the board's hardware ID; the board's own hardware ID
  * and domain codes; the firmware's version; the firmware-notice checks.
  *
- * Every table getter first reads the hardware ID through "board_config get
- * hw_id", so each call runs the board tool once. Strings returned by the
- * table getters are constants: never change or free them. */
+ * A table getter reads the hardware ID through "board_config get hw_id"
+ * until it matches a row; from then on the row is kept for the life of the
+ * process and the getters run no command. On a board whose ID matches no
+ * row, each call runs the board tool once. Strings returned by the table
+ * getters are constants: never change or free them. */
 #ifndef VESK_PRODUCT_H
 #define VESK_PRODUCT_H
 
@@ -68,8 +70,9 @@ typedef struct vesk_product_info {
 
 VESK_BEGIN_DECLS
 
-/* The row of the product table for this board. Reads the hardware ID on
- * every call; a board whose ID matches no row is served row 0. */
+/* The row of the product table for this board. Reads the hardware ID until
+ * a row matches and keeps that row; a board whose ID matches no row is
+ * served row 0 and asked again on the next call. */
 VESK_API uint16_t vesk_product_get_index(void);
 
 /* The firmware-upgrade IDs of the row: product 0x0012, vendor 0x010E. */

@@ -26,7 +26,14 @@ TEST(Sysinteract, CapturesOutputAndTellsHowTheCommandEnded)
         {"echo found; no-such-tool", 80, -1, "found\n"}, {"/dev/null", 80, -1, ""},
         // A megabyte would block a child whose pipe is not read to the end.
         {"head -c 1048576 /dev/zero | tr '\\0' z", 8, 1, "zzzzzzz"},
+        // Lines without shell syntax run without the shell, to the same effect.
+        {"/bin/echo a \t  b", 80, 1, "a b\n"}, {"echo -e a", 80, 1, "-e a\n"}, // the shell's own echo
+        {"no_such_tool x", 80, -1, ""}, {"/tmp/not_executable", 80, -1, ""}, // 127, 126
+        {"/tmp/no_interpreter", 80, 1, "sh\n"},                                // the shell runs it
     };
+    vdev::put("/tmp/not_executable", "echo run\n");
+    vdev::put("/tmp/no_interpreter", "echo sh\n");
+    chmod("/tmp/no_interpreter", 0755);
     for (const auto &c : cases) {
         SCOPED_TRACE(c.command);
         char buf[300];
@@ -47,6 +54,11 @@ TEST(Cmd, RunsThroughTheShellAndGivesTheStatus)
     EXPECT_EQ(CMD("echo %s > /tmp/cmd.out && echo %d >> /tmp/cmd.out", "one", 2), 0);
     EXPECT_EQ(vdev::read("/tmp/cmd.out"), "one\n2\n");
     EXPECT_EQ(CMD("exit 4"), 4);
+    vdev::put("/tmp/exit5", "#!/bin/sh\nexit 5\n");
+    chmod("/tmp/exit5", 0755);
+    EXPECT_EQ(CMD("/tmp/exit5 x"), 5);
+    std::string err = stderr_of([] { EXPECT_EQ(CMD("no_such_tool x"), 127); });
+    EXPECT_NE(err.find("no_such_tool: not found"), std::string::npos) << err; // the shell's message
     EXPECT_NE(CMD("kill -TERM $$"), 0);
     EXPECT_LT(CMD(nullptr), 0);
 }

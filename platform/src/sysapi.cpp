@@ -73,20 +73,124 @@ void journal_command(const char *line)
     (void)!write(journal.get(), out, static_cast<size_t>(p - out));
 }
 
-// Runs "/bin/sh -c line" and waits. posix_spawn does not copy the caller's
-// address space, which matters for the big programs on a small device.
-// With out_fd >= 0 the shell's standard output is that descriptor.
-// Returns the raw wait status, or kCouldNotRun.
-int run_shell(const char *line, int out_fd, pid_t *child)
+// Bytes that the shell takes literally; a line of only these and blanks
+// means to the shell just its words split at the blanks.
+bool is_literal(unsigned char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || strchr("_-./:@%+,=", c);
+}
+
+// Names that the shell runs itself (builtins, keywords): as a first word
+// they keep the line in the shell, whatever program of that name exists.
+constexpr const char *kShellWords[] = {
+    "!", ".", ":", "[", "[[", "]]", "alias", "bg", "bind", "break", "builtin", "caller", "case", "cd", "chdir",
+    "command", "compgen", "complete", "continue", "coproc", "declare", "dirs", "disown", "do", "done", "echo",
+    "elif", "else", "enable", "esac", "eval", "exec", "exit", "export", "false", "fc", "fg", "fi", "for",
+    "function", "getopts", "hash", "help", "history", "if", "in", "jobs", "kill", "let", "local", "logout",
+    "mapfile", "popd", "printf", "pushd", "pwd", "read", "readarray", "readonly", "return", "select", "set",
+    "shift", "shopt", "source", "suspend", "test", "then", "time", "times", "trap", "true", "type", "typeset",
+    "ulimit", "umask", "unalias", "unset", "until", "wait", "while",
+};
+
+constexpr size_t kMaxDirectWords = 64;
+
+// Splits a line without shell syntax into argv (in words, pointing into
+// copy); false when the shell must read it: any other byte, no word, a
+// first word that is a builtin or keyword or an assignment, or too many words.
+bool split_plain(const char *line, char *copy, char **words)
+{
+    size_t n = 0;
+    for (const char *s = line; *s; s++) {
+        const auto c = static_cast<unsigned char>(*s);
+        if (c != ' ' && c != '\t' && !is_literal(c))
+            return false;
+    }
+    strcpy(copy, line);
+    char *rest = nullptr;
+    for (char *tok = strtok_r(copy, " \t", &rest); tok; tok = strtok_r(nullptr, " \t", &rest)) {
+        if (n == kMaxDirectWords)
+            return false;
+        words[n++] = tok;
+    }
+    words[n] = nullptr;
+    if (n == 0 || strchr(words[0], '='))
+        return false;
+    for (const char *name : kShellWords)
+        if (strcmp(words[0], name) == 0)
+            return false;
+    return true;
+}
+
+enum class program { absent, runnable, shell_only };
+
+// What the kernel would make of path: a file it executes (ELF, "#!"
+// script), one only the shell runs (a script without "#!"), or none.
+program program_at(const char *path)
+{
+    if (access(path, X_OK) != 0)
+        return program::absent;
+    unique_fd fd(open(path, O_RDONLY | O_CLOEXEC));
+    struct stat st;
+    if (!fd || fstat(fd.get(), &st) != 0)
+        return program::shell_only;
+    if (!S_ISREG(st.st_mode))
+        return program::absent;
+    char magic[4];
+    ssize_t n = read(fd.get(), magic, sizeof magic);
+    bool runs = (n >= 2 && memcmp(magic, "#!", 2) == 0) || (n == 4 && memcmp(magic, "\177ELF", 4) == 0);
+    return runs ? program::runnable : program::shell_only;
+}
+
+// The file that the shell would run for name, searched on PATH as the
+// shell does, when the kernel can execute it directly.
+bool find_program(const char *name, char (&path)[PATH_MAX])
+{
+    if (strchr(name, '/'))
+        return snprintf(path, sizeof path, "%s", name) < static_cast<int>(sizeof path) &&
+               program_at(path) == program::runnable;
+    const char *dirs = getenv("PATH");
+    if (!dirs)
+        return false; // the shell's own default applies
+    for (const char *dir = dirs;;) {
+        const char *end = strchrnul(dir, ':');
+        int len = end == dir ? snprintf(path, sizeof path, "%s", name)
+                             : snprintf(path, sizeof path, "%.*s/%s", static_cast<int>(end - dir), dir, name);
+        if (len > 0 && len < static_cast<int>(sizeof path)) {
+            program found = program_at(path);
+            if (found != program::absent)
+                return found == program::runnable;
+        }
+        if (*end == '\0')
+            return false;
+        dir = end + 1;
+    }
+}
+
+// Runs the line and does not wait: a line without shell syntax as its own
+// program (one exec instead of the shell's and the program's), any other
+// through "/bin/sh -c line". posix_spawn does not copy the caller's address
+// space, which matters for the big programs on a small device. A program
+// that is missing or not executable goes to the shell too, so it reads as
+// the shell tells it (126 or 127, its message). With out_fd >= 0 the
+// command's standard output is that descriptor. Returns 0 or kCouldNotRun.
+int spawn_line(const char *line, int out_fd, pid_t *child)
 {
     posix_spawn_file_actions_t actions;
     if (posix_spawn_file_actions_init(&actions) != 0)
         return kCouldNotRun;
     if (out_fd >= 0)
         posix_spawn_file_actions_adddup2(&actions, out_fd, STDOUT_FILENO);
-    char sh[] = "/bin/sh", dash_c[] = "-c";
-    char *argv[] = {sh, dash_c, const_cast<char *>(line), nullptr};
-    int rc = posix_spawn(child, "/bin/sh", &actions, nullptr, argv, environ);
+    int rc = -1;
+    unique_heap copy(malloc(strlen(line) + 1));
+    char *words[kMaxDirectWords + 1];
+    char path[PATH_MAX];
+    if (copy && split_plain(line, static_cast<char *>(copy.get()), words) && find_program(words[0], path))
+        rc = posix_spawn(child, path, &actions, nullptr, words, environ);
+    if (rc != 0) {
+        char sh[] = "/bin/sh", dash_c[] = "-c";
+        char *argv[] = {sh, dash_c, const_cast<char *>(line), nullptr};
+        rc = posix_spawn(child, "/bin/sh", &actions, nullptr, argv, environ);
+    }
     posix_spawn_file_actions_destroy(&actions);
     return rc == 0 ? 0 : kCouldNotRun;
 }
@@ -103,7 +207,7 @@ pid_t start_command(int out_fd, const char *format, va_list ap)
     journal_command(static_cast<const char *>(line.get()));
     fflush(nullptr); // keep the caller's buffered output ahead of the child's
     pid_t child;
-    return run_shell(static_cast<const char *>(line.get()), out_fd, &child) == 0 ? child : -1;
+    return spawn_line(static_cast<const char *>(line.get()), out_fd, &child) == 0 ? child : -1;
 }
 
 // Waits for the child. Returns its wait status; -1 when it cannot be had
@@ -179,7 +283,7 @@ int sysinteract(char *buf, int size, const char *format, ...)
     if (status < 0)
         return 1; // reaped elsewhere: it ran, its status is unknown
     if (WIFEXITED(status) && (WEXITSTATUS(status) == 126 || WEXITSTATUS(status) == 127))
-        return kCouldNotRun; // the shell found no such command, or could not execute it
+        return kCouldNotRun; // no such command, or it could not be executed
     return (WIFEXITED(status) && WEXITSTATUS(status) == 0) ? 1 : 0;
 }
 

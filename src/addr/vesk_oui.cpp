@@ -20,15 +20,12 @@ static_assert(vesk::kOuiRecords >= 2 && (uint64_t{1} << kOuiProbes) > vesk::kOui
 
 constexpr unsigned char kLocalBit = 0x02; // locally administered: same vendor
 
-} // namespace
+constexpr uint32_t kMaxKey = 0xFFFFFF; // three bytes
 
-extern "C" {
-
-const char *vesk_mac_oui_to_vendor_name(vesk_oui_entry oui_entry)
+// A bisection over the whole table. Both bounds move to mid, never past it,
+// and mid > low while they differ: record 0, the sentinel, is never compared.
+const char *bisect(uint32_t key)
 {
-    const uint32_t key = oui_entry.oui;
-    // Both bounds move to mid, never past it, and mid > low while they
-    // differ: record 0, the sentinel, is never compared.
     uint32_t low = 0, high = vesk::kOuiRecords - 1;
     for (int probe = 0; probe < kOuiProbes; probe++) {
         uint32_t mid = low + (high - low + 1) / 2;
@@ -41,6 +38,37 @@ const char *vesk_mac_oui_to_vendor_name(vesk_oui_entry oui_entry)
             high = mid;
     }
     return nullptr;
+}
+
+} // namespace
+
+extern "C" {
+
+const char *vesk_mac_oui_to_vendor_name(vesk_oui_entry oui_entry)
+{
+    const uint32_t key = oui_entry.oui;
+    if (key > kMaxKey)
+        return nullptr;
+    // The records of the key's 16-bit prefix, then the last of them whose
+    // low byte is at most the key's: a branch-free halving over a few bytes.
+    const uint8_t low = key & 0xFF;
+    const uint32_t first = vesk::kOuiFirst[key >> 8];
+    uint32_t len = vesk::kOuiFirst[(key >> 8) + 1] - first;
+    if (len == 0)
+        return nullptr;
+    const uint8_t *at = vesk::kOuiLow + first;
+    while (len > 1) {
+        const uint32_t half = len / 2;
+        at = at[half] <= low ? at + half : at;
+        len -= half;
+    }
+    if (*at != low)
+        return nullptr;
+    const uint32_t record = static_cast<uint32_t>(at - vesk::kOuiLow);
+    // Rows that share a key answer with the row the bisection meets first.
+    if (record > first && at[-1] == low)
+        return bisect(key);
+    return vesk_oui_list[record].vendor_name;
 }
 
 const char *vesk_mac_to_vendor_name(const char *mac_str)

@@ -48,20 +48,20 @@ void put_word(sink &out, std::string_view w)
     out.put('\'');
 }
 
-// One numeric conversion: spec is "%", an optional width and the letter.
-void put_number(sink &out, std::string_view spec, const piece &p)
+// One numeric conversion: conv_text is "%", an optional width and the letter.
+void put_number(sink &out, std::string_view conv_text, const piece &p)
 {
     char fmt[16], text[32];
-    const char conv = spec.back();
-    const int width = static_cast<int>(spec.size() - 2);
+    const char conv = conv_text.back();
+    const int width = static_cast<int>(conv_text.size() - 2);
     if (conv == 'c') {
-        snprintf(fmt, sizeof fmt, "%.*sc", width + 1, spec.data());
+        snprintf(fmt, sizeof fmt, "%.*sc", width + 1, conv_text.data());
         snprintf(text, sizeof text, fmt, static_cast<int>(static_cast<unsigned char>(p.u)));
     } else if (conv == 'd') {
-        snprintf(fmt, sizeof fmt, "%.*slld", width + 1, spec.data());
+        snprintf(fmt, sizeof fmt, "%.*slld", width + 1, conv_text.data());
         snprintf(text, sizeof text, fmt, p.k == piece::kind::sint ? p.s : static_cast<long long>(p.u));
     } else {
-        snprintf(fmt, sizeof fmt, "%.*sll%c", width + 1, spec.data(), conv);
+        snprintf(fmt, sizeof fmt, "%.*sll%c", width + 1, conv_text.data(), conv);
         snprintf(text, sizeof text, fmt, p.u);
     }
     out.put(std::string_view(text));
@@ -87,7 +87,7 @@ bool render(sink &out, const char *func, const char *format, std::span<const pie
             out.put(*p);
             continue;
         }
-        const char *spec = p;
+        const char *conv_text = p;
         if (*++p == '%') {
             out.put('%');
             continue;
@@ -96,7 +96,7 @@ bool render(sink &out, const char *func, const char *format, std::span<const pie
             p++;
         const piece &arg = args[n++];
         if (*p != 's') {
-            put_number(out, std::string_view(spec, static_cast<size_t>(p - spec + 1)), arg);
+            put_number(out, std::string_view(conv_text, static_cast<size_t>(p - conv_text + 1)), arg);
             continue;
         }
         if (const char *why = refusal(arg.text)) {

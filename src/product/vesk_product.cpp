@@ -102,9 +102,11 @@ extern "C" {
 
 uint16_t vesk_product_get_index(void)
 {
-    uint32_t hw_id = vesk_product_get_board_hw_id_hex();
+    // A chosen row holds for the life of the process: asking the board
+    // again could not change it, and would cost a web page one spawn per getter.
     if (vesk_product_index != kNoRow)
         return static_cast<uint16_t>(vesk_product_index);
+    uint32_t hw_id = vesk_product_get_board_hw_id_hex();
     for (size_t i = 0; i < std::size(kProductTable); i++) {
         if (row_hw_id(kProductTable[i]) == hw_id) {
             vesk_product_index = static_cast<int32_t>(i);
