@@ -134,6 +134,18 @@ static int all_digits(const char *s)
     return 1;
 }
 
+/* A link at dst with the target of the link at src. */
+static void copy_link(const char *src, const char *dst)
+{
+    char target[PATH_MAX];
+    ssize_t n = readlink(src, target, sizeof target - 1);
+    if (n < 0)
+        die("readlink %s", src);
+    target[n] = '\0';
+    if (symlink(target, dst) != 0)
+        die("symlink %s", dst);
+}
+
 /* Every name of dir but . and .., one callback each. */
 static void each_entry(const char *dir, void (*fn)(const char *dir, const struct dirent *e, void *arg), void *arg)
 {
@@ -164,13 +176,7 @@ static void host_entry(const char *dir, const struct dirent *e, void *arg)
     if (lstat(src, &st) != 0)
         return;
     if (S_ISLNK(st.st_mode)) {
-        char target[PATH_MAX];
-        ssize_t n = readlink(src, target, sizeof target - 1);
-        if (n < 0)
-            die("readlink %s", src);
-        target[n] = '\0';
-        if (symlink(target, dst) != 0)
-            die("symlink %s", dst);
+        copy_link(src, dst);
     } else if (S_ISDIR(st.st_mode)) {
         make_dir(dst, 0755);
         do_mount(src, dst, NULL, MS_BIND | MS_REC, NULL);
@@ -240,13 +246,7 @@ static void copy_entry(const char *dir, const struct dirent *e, void *arg)
     if (unlink(to) != 0 && errno != ENOENT)
         die("unlink %s", to);
     if (S_ISLNK(st.st_mode)) {
-        char target[PATH_MAX];
-        ssize_t n = readlink(from, target, sizeof target - 1);
-        if (n < 0)
-            die("readlink %s", from);
-        target[n] = '\0';
-        if (symlink(target, to) != 0)
-            die("symlink %s", to);
+        copy_link(from, to);
         return;
     }
     if (!S_ISREG(st.st_mode))

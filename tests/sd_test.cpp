@@ -1,0 +1,81 @@
+#include <gtest/gtest.h>
+
+#include <time.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "output_of.hpp"
+#include "vdev.hpp"
+#include "vesk_fw.h"
+#include "vesk_sd.h"
+
+namespace {
+
+// The stand-in daemon answers each request with the lines of this file.
+void daemon_says(const std::string &lines) { vdev::put("/run/vdev/sd/replies", lines); }
+
+std::string client_file() { return "/var/sd_local_" + std::to_string(getpid()) + "-168"; }
+
+void start_daemon() { ASSERT_EQ(vdev::sh("/run/vdev/emu/peers/system_daemon start"), 0); }
+
+TEST(SdCtrl, RepliesReportsAndFireAndForget)
+{
+    EXPECT_EQ(vesk_sd_ctrl("status", nullptr), -3);
+    start_daemon();
+    const std::string f127(127, 'f'), interim127 = "<" + std::string(126, 'i');
+    const struct { const char *name, *command; std::string says, reply, printed, wire; } cases[] = {
+        {"final reply", "status", "done\n", "done", "", "status"},
+        {"interim reports are printed", "scan", "<10%\n<50%\ndone\n", "done", "[<10%] [4]\n[<50%] [4]\n", "scan"},
+        {"a later < means nothing", "x", "a<b\n", "a<b", "", "x"},
+        {"127-byte report shows 126", "x", interim127 + "\nend\n", "end", "[" + interim127.substr(0, 126) + "] [126]\n", "x"},
+        {"127-byte reply arrives whole", "x", f127 + "\n", f127, "", "x"},
+        {"a longer one is cut", "x", std::string(200, 'g') + "\n", std::string(127, 'g'), "", "x"},
+        {"empty datagram is final", "x", "\n", "", "", "x"},
+        {"& is not sent, nothing waited for", "reload&", "", "OK", "", "reload"},
+        {"& alone sends an empty datagram", "&", "", "OK", "", ""},
+    };
+    std::string wire;
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        daemon_says(c.says);
+        char reply[128];
+        memset(reply, 'Z', sizeof reply);
+        EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_sd_ctrl(c.command, reply), 0); }), c.printed);
+        EXPECT_EQ(std::string(reply), c.reply);
+        EXPECT_FALSE(vdev::exists(client_file()));
+        EXPECT_EQ(vesk_sd_ctrl(c.command, nullptr), 0);
+        wire += c.wire + "\n" + c.wire + "\n";
+    }
+    EXPECT_EQ(vesk_sd_ctrl("", nullptr), -1);
+
+    // A file left under this process's client name makes bind fail.
+    vdev::put(client_file(), "");
+    EXPECT_EQ(vesk_sd_ctrl("status", nullptr), -1);
+    EXPECT_TRUE(vdev::exists(client_file()));
+    vdev::remove(client_file());
+
+    // The firmware path reaches the daemon through the sd_ctrl tool.
+    vdev::remove("/run/vdev/sd/replies");
+    vdev::put("/tmp/restore.dat", "x");
+    EXPECT_EQ(vesk_do_restore_config("/tmp/restore.dat", 1), 1);
+    // Answered in order, so once this is, every datagram before it is logged
+    // (escaped: a zero behind a text would show).
+    EXPECT_EQ(vesk_sd_ctrl("sync", nullptr), 0);
+    EXPECT_EQ(vdev::read("/run/vdev/sd/requests"), wire + "inform reboot\nsync\n");
+}
+
+// The one case that waits through the daemon's whole silence.
+TEST(SdCtrl, SilentDaemonTimesOutAfterFortySeconds)
+{
+    start_daemon();
+    daemon_says("");
+    const time_t start = time(nullptr);
+    char reply[128] = "untouched";
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_sd_ctrl("status", reply), -2); }), "'status' command timed out.\n");
+    EXPECT_GE(time(nullptr) - start, 39);
+    EXPECT_STREQ(reply, "untouched");
+    EXPECT_FALSE(vdev::exists(client_file()));
+}
+
+} // namespace

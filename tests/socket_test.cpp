@@ -1,0 +1,160 @@
+#include <gtest/gtest.h>
+
+#include <arpa/inet.h>
+#include <poll.h>
+#include <string.h>
+#include <unistd.h>
+
+#include <string>
+#include <thread>
+
+#include "output_of.hpp"
+#include "vdev.hpp"
+#include "vesk_socket.h"
+
+namespace {
+
+constexpr unsigned short kPort = 7777; // the device's own network: nothing else listens
+
+// A TCP peer on 127.0.0.1 that runs a script on one connection in a thread.
+struct peer {
+    int listener = socket(AF_INET, SOCK_STREAM, 0);
+    std::thread thread;
+    template <typename F> explicit peer(F script)
+    {
+        sockaddr_in a{AF_INET, htons(kPort), {htonl(INADDR_LOOPBACK)}, {}};
+        EXPECT_EQ(bind(listener, reinterpret_cast<sockaddr *>(&a), sizeof a) | listen(listener, 1), 0);
+        thread = std::thread([this, script] {
+            const int fd = accept(listener, nullptr, nullptr);
+            script(fd);
+            close(fd);
+        });
+    }
+    ~peer() { thread.join(), close(listener); }
+};
+
+std::string take(int fd)
+{
+    char buf[4000];
+    return std::string(buf, static_cast<size_t>(std::max<ssize_t>(recv(fd, buf, sizeof buf, 0), 0)));
+}
+
+void give(int fd, const char *text) { send(fd, text, strlen(text), 0); }
+
+std::string error_text(int err) { return strerror(err) + std::string("\n"); }
+
+TEST(Socket, InitAndWritesStayWithinTheRecord)
+{
+    vesk_socket_pkt pkt;
+    memset(&pkt, 0xA5, sizeof pkt);
+    ASSERT_EQ(vesk_socket_pkt_init(&pkt, std::string(300, 'n').c_str(), 8080), 1);
+    EXPECT_EQ(std::string(pkt.name), std::string(255, 'n'));
+    EXPECT_EQ(std::make_tuple(pkt.port, pkt.sock_timeout, pkt.send_timeout, pkt.recv_timeout), std::make_tuple(8080, 2, 5, 5));
+    EXPECT_EQ(std::string(pkt.out_buf, 2 * MAX_VESK_SOCKET_BUFFER + 4), std::string(2 * MAX_VESK_SOCKET_BUFFER + 4, '\0'));
+
+    vesk_socket_pkt_write(&pkt, "a=%d", 1);
+    vesk_socket_pkt_write(&pkt, "b");
+    vesk_socket_pkt_write_binary(&pkt, "\0x\0y", 4);
+    vesk_socket_pkt_write(&pkt, "%s", "z");
+    EXPECT_EQ(std::string(pkt.out_buf, 10), std::string("a=1b\0x\0yz\0", 10));
+    EXPECT_EQ(std::make_pair(pkt.out_len, pkt.pos_to_write), std::make_pair(9, 9));
+    vesk_socket_pkt_write(&pkt, "%s", std::string(2000, 't').c_str()); // stops at the end of out_buf
+    vesk_socket_pkt_write_binary(&pkt, "more", 4);
+    EXPECT_EQ(std::make_tuple(pkt.out_len, pkt.pos_to_write, pkt.in_buf[0]), std::make_tuple(1500, 1500, '\0'));
+    EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_socket_pkt_init(nullptr, "x", 1), 0); }), "vesk_socket_pkt_init: input error!\n");
+}
+
+TEST(Socket, RequestsRepliesAndCloses)
+{
+    peer p([](int fd) {
+        EXPECT_EQ(take(fd), std::string("GET /x\0\1", 8)); // both writes in one send
+        give(fd, "pong");
+        take(fd);
+        give(fd, "abcdef");
+        shutdown(fd, SHUT_WR);
+        take(fd);
+    });
+    vesk_socket_pkt pkt;
+    vesk_socket_pkt_init(&pkt, "localhost", kPort);
+    ASSERT_EQ(vesk_socket_do_connect(&pkt), 1);
+    vesk_socket_pkt_write(&pkt, "GET /%s", "x");
+    vesk_socket_pkt_write_binary(&pkt, "\0\1", 2);
+    EXPECT_EQ(std::make_pair(vesk_socket_send(&pkt), pkt.out_len), std::make_pair(1, 0));
+    EXPECT_EQ(vesk_socket_recv(&pkt, 100), 4);
+    EXPECT_STREQ(pkt.in_buf, "pong");
+    vesk_socket_pkt_write(&pkt, "next");
+    vesk_socket_send(&pkt);
+    EXPECT_EQ(vesk_socket_recv(&pkt, 3), 2); // len - 1 bytes, terminated
+    EXPECT_STREQ(pkt.in_buf, "ab");
+    EXPECT_EQ(vesk_socket_recv(&pkt, 100), 4);
+    EXPECT_EQ(vesk_socket_recv(&pkt, 100), 0); // the peer's orderly close
+    EXPECT_STREQ(pkt.in_buf, "");
+    vesk_socket_pkt_write(&pkt, "bye");
+    vesk_socket_send(&pkt);
+    p.thread.join();
+    p.thread = std::thread([] {});
+    // The peer is gone and resets; a send after that fails without killing the caller.
+    vesk_socket_pkt_write(&pkt, "lost");
+    vesk_socket_send(&pkt);
+    pollfd reset{pkt.sock, 0, 0};
+    EXPECT_EQ(poll(&reset, 1, 2000), 1);
+    vesk_socket_pkt_write(&pkt, "lost");
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_send(&pkt), 1); }), "Error sending request: " + error_text(EPIPE));
+    EXPECT_EQ(vesk_socket_close(&pkt), 0);
+    pkt.port = kPort + 1; // nothing listens there
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_do_connect(&pkt), 0); }), "connect: " + error_text(ECONNREFUSED));
+}
+
+TEST(Socket, WaitsEndAndBadDescriptorsReport)
+{
+    peer p([](int fd) { take(fd); }); // never answers
+    vesk_socket_pkt pkt;
+    vesk_socket_pkt_init(&pkt, "127.0.0.1", kPort);
+    ASSERT_EQ(vesk_socket_do_connect(&pkt), 1);
+    pkt.recv_timeout = 1;
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_recv(&pkt, 100), -1); }), "timeout\n");
+
+    const int connected = pkt.sock;
+    int pipe_fds[2];
+    ASSERT_EQ(pipe(pipe_fds), 0);
+    pkt.sock = pipe_fds[0]; // never writable: the request stays for another try
+    pkt.send_timeout = 0;
+    vesk_socket_pkt_write(&pkt, "hello");
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_send(&pkt), 0); }), "vesk_socket_send: socket Timeout\n");
+    EXPECT_EQ(pkt.out_len, 5);
+    close(pipe_fds[0]);
+    close(pipe_fds[1]);
+    pkt.sock = dup2(0, 60); // closed, and no capture reuses the number meanwhile
+    close(60);
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_send(&pkt), 1); }),
+              "vesk_socket_send: Select error [" + std::string(strerror(EBADF)) + "]\n");
+    EXPECT_EQ(pkt.out_len, 0);
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_recv(&pkt, 10), -1); }), "select: " + error_text(EBADF));
+    pkt.sock = connected;
+    EXPECT_EQ(vesk_socket_close(&pkt), 0);
+}
+
+TEST(Socket, BadArgumentsEndTheProcessWithTheirLine)
+{
+    static vesk_socket_pkt pkt;
+    vesk_socket_pkt_init(&pkt, "127.0.0.1", 1);
+    const struct { void (*call)(); const char *out; } cases[] = {
+        {[] { vesk_socket_pkt_dump(nullptr); }, "'pkt!=0' vesk_socket_pkt_dump vesk_socket.cpp:71"},
+        {[] { vesk_socket_pkt_write(nullptr, "x"); }, "'pkt!=0' vesk_socket_pkt_write vesk_socket.cpp:89"},
+        {[] { vesk_socket_pkt_write_binary(nullptr, "", 0); }, "'pkt!=0' vesk_socket_pkt_write_binary vesk_socket.cpp:105"},
+        {[] { vesk_socket_pkt_write_binary(&pkt, nullptr, 0); }, "'ptr!=0' vesk_socket_pkt_write_binary vesk_socket.cpp:106"},
+        {[] { vesk_socket_do_connect(nullptr); }, "'pkt!=0' vesk_socket_do_connect vesk_socket.cpp:115"},
+        {[] { vesk_socket_send(nullptr); }, "'pkt!=0' vesk_socket_send vesk_socket.cpp:157"},
+        {[] { vesk_socket_recv(nullptr, 1); }, "'pkt!=0' vesk_socket_recv vesk_socket.cpp:183"},
+        {[] { vesk_socket_recv(&pkt, 1500); }, "'len < MAX_VESK_SOCKET_BUFFER' vesk_socket_recv vesk_socket.cpp:184"},
+        {[] { vesk_socket_close(nullptr); }, "'pkt!=0' vesk_socket_close vesk_socket.cpp:214"},
+        {[] { pkt.recv_timeout = 0; vesk_socket_recv(&pkt, 1499); }, nullptr}, // the longest len passes
+    };
+    for (const auto &c : cases) {
+        vdev::outcome o = vdev::in_child([&] { c.call(); });
+        EXPECT_EQ(o.status, c.out ? 1 : 0) << o.out;
+        EXPECT_EQ(o.out, c.out ? "VESK_ASSERT FAILED " + std::string(c.out) + "\n" : "");
+    }
+}
+
+} // namespace
