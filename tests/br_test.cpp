@@ -7,14 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "fake_ioctl.hpp"
 #include "fake_sleep.hpp"
 #include "net_helpers.hpp"
 #include "vesk_br.h"
 
 namespace {
-
-constexpr unsigned long kGetPortList = 7, kGetFdbEntries = 18;
 
 // Static entries 02:00:00:00:HH:LL, i = 1..count, on eth2; learning is off
 // and lan0's learnt address forgotten, so the table holds exactly these.
@@ -33,35 +30,8 @@ void add_static_entries(int count)
 
 std::vector<unsigned char> entry_mac(int i) { return {2, 0, 0, 0, (unsigned char)(i >> 8), (unsigned char)i}; }
 
-// The bridge control requests the library issued, and injected failures.
-struct brctl_call {
-    unsigned long cmd, num, offset;
-};
-std::vector<brctl_call> calls;
-int busy_reads;      // fail this many entry reads with EAGAIN
-int port_list_errno; // fail the port list with this errno
-
-int record_brctl(int, unsigned long request, void *arg)
-{
-    if (request != SIOCDEVPRIVATE)
-        return 0;
-    const auto *args = reinterpret_cast<const unsigned long *>(static_cast<ifreq *>(arg)->ifr_data);
-    calls.push_back({args[0], args[2], args[3]});
-    if (args[0] == kGetFdbEntries && busy_reads > 0)
-        return busy_reads--, EAGAIN;
-    return args[0] == kGetPortList ? port_list_errno : 0;
-}
-
 struct BrTable : testing::Test {
-    void SetUp() override
-    {
-        VDEV_SKIP_UNDER_QEMU("qemu-user answers the bridge's SIOCDEVPRIVATE requests with ENOSYS");
-        calls.clear();
-        busy_reads = port_list_errno = 0;
-        fake_sleep::reset();
-        fake_ioctl::set(record_brctl);
-    }
-    void TearDown() override { fake_ioctl::set(nullptr); }
+    void SetUp() override { fake_sleep::reset(); }
 };
 
 TEST_F(BrTable, ReadsWindowsAndLooksUpInBatchesOf128)
@@ -98,18 +68,11 @@ TEST_F(BrTable, ReadsWindowsAndLooksUpInBatchesOf128)
     close(sock);
     // A look-up reads the whole table in batches of 128, though the entry
     // is in the first one, then the port list.
-    calls.clear();
+    vdev::clear_journal();
     EXPECT_STREQ(brtable_find_if_by_mac(entry_mac(1).data(), "br0"), "eth2");
-    std::vector<unsigned long> offsets;
-    for (const auto &c : calls) {
-        if (c.cmd == kGetFdbEntries && (offsets.push_back(c.offset), true)) {
-            EXPECT_EQ(c.num, 128u);
-        }
-    }
-    EXPECT_EQ(offsets, (std::vector<unsigned long>{0, 128, 256, 300}));
-    ASSERT_FALSE(calls.empty());
-    EXPECT_EQ(calls.back().cmd, kGetPortList);
-    EXPECT_EQ(calls.back().num, 1024u);
+    EXPECT_EQ(vdev::ioctls(), (std::vector<std::string>{"br0 fdb num=128 offset=0", "br0 fdb num=128 offset=128",
+                                                        "br0 fdb num=128 offset=256", "br0 fdb num=128 offset=300",
+                                                        "br0 ports num=1024 offset=0"}));
 }
 
 TEST_F(BrTable, PortOfAnAddress)
@@ -145,15 +108,18 @@ TEST_F(BrTable, PortOfAnAddress)
 TEST_F(BrTable, BusyTableIsAskedTenTimesAndPortListFailure)
 {
     add_static_entries(3);
-    const struct { int busy, port_errno; const char *port; unsigned sleeps; const char *message; } cases[] = {
-        {9, 0, "eth2", 9, ""},
-        {10, 0, "unknown", 9, "read of forward table failed: Resource temporarily unavailable\n"},
-        {0, EPERM, "unknown", 0, "list ports for bridge:'br0' failed: Operation not permitted\n"},
+    const struct { int busy; const char *ports_err, *port; unsigned sleeps; const char *message; } cases[] = {
+        {9, nullptr, "eth2", 9, ""},
+        {10, nullptr, "unknown", 9, "read of forward table failed: Resource temporarily unavailable\n"},
+        {0, "EPERM", "unknown", 0, "list ports for bridge:'br0' failed: Operation not permitted\n"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.busy);
-        busy_reads = c.busy;
-        port_list_errno = c.port_errno;
+        vdev::remove("/run/vdev/fail/ioctl");
+        if (c.busy)
+            vdev::fail_ioctl("br0", "fdb", "EAGAIN", c.busy);
+        if (c.ports_err)
+            vdev::fail_ioctl("br0", "ports", c.ports_err);
         fake_sleep::reset();
         EXPECT_EQ(stderr_of([&] { EXPECT_STREQ(brtable_find_if_by_mac(entry_mac(3).data(), "br0"), c.port); }),
                   c.message);

@@ -14,7 +14,7 @@
 
 #include <string_view>
 
-#include "core/unique.hpp"
+#include "unique.hpp"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include <sys/wait.h>
 #include <time.h>
 
-#include "core/unique.hpp"
+#include "unique.hpp"
 
 extern char **environ;
 

@@ -98,7 +98,26 @@ std::vector<std::string> journal() { return journal_lines(false); }
 
 std::vector<std::string> commands() { return journal_lines(true); }
 
-void clear_journal() { std::ofstream("/run/vdev/journal", std::ios::trunc); }
+void clear_journal()
+{
+    std::ofstream("/run/vdev/journal", std::ios::trunc);
+    std::ofstream("/run/vdev/ioctls", std::ios::trunc);
+}
+
+std::vector<std::string> ioctls()
+{
+    std::vector<std::string> lines;
+    std::ifstream in("/run/vdev/ioctls");
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+void fail_ioctl(const std::string &ifname, const std::string &request, const std::string &err, int times)
+{
+    std::string line = ifname + " " + request + " " + err + (times ? " " + std::to_string(times) : "") + "\n";
+    put("/run/vdev/fail/ioctl", read("/run/vdev/fail/ioctl") + line);
+}
 
 void set_board(const std::string &key, const std::string &value)
 {

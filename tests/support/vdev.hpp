@@ -23,7 +23,15 @@ int sh(const std::string &command);
 std::vector<std::string> journal();
 // The command lines given to CMD and sysinteract, verbatim, oldest first.
 std::vector<std::string> commands();
+// Clears the journal and the request log.
 void clear_journal();
+
+// The driver requests the device model answered (emu/model), oldest first,
+// as "IFNAME REQUEST DETAIL", e.g. "br0 fdb num=128 offset=0".
+std::vector<std::string> ioctls();
+// Fails the model's request on ifname ("*": any) with the errno of that name
+// ("EAGAIN"), the next times requests, or every one when times is 0.
+void fail_ioctl(const std::string &ifname, const std::string &request, const std::string &err, int times = 0);
 
 // Sets a board_config value of the emulated board.
 void set_board(const std::string &key, const std::string &value);
@@ -48,12 +56,3 @@ const char *emulator();
 inline bool under_qemu() { return *emulator() != '\0'; }
 
 } // namespace vdev
-
-// Skips the current test under user-mode emulation, with the reason in the
-// output: for requests that the emulator does not pass through to the host
-// kernel (device-private ioctls, some socket families).
-#define VDEV_SKIP_UNDER_QEMU(reason)                                                               \
-    do {                                                                                           \
-        if (vdev::under_qemu())                                                                    \
-            GTEST_SKIP() << "under " << vdev::emulator() << ": " << (reason);                     \
-    } while (0)

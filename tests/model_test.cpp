@@ -1,0 +1,103 @@
+// The device model's own promises that the library's tests cannot see: it
+// never writes past the caller's length, failures on demand run out, and the
+// tools and the program share one register file.
+#include <errno.h>
+#include <gtest/gtest.h>
+#include <linux/sockios.h>
+#include <net/if.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+
+#include <string>
+#include <vector>
+
+#include "core/unique.hpp"
+#include "vdev.hpp"
+
+namespace {
+
+struct private_request {
+    char name[16];
+    void *pointer;
+    uint16_t length, flags;
+    char pad[16 - sizeof(void *) - 4];
+};
+static_assert(sizeof(private_request) == 32);
+
+// Issues a private request on a buffer of room bytes followed by guard
+// bytes; the length that came back, or -errno.
+int ask(const char *ifname, unsigned long number, uint16_t flags, std::vector<unsigned char> &buf, uint16_t room)
+{
+    vesk::unique_fd s(socket(AF_INET, SOCK_DGRAM, 0));
+    private_request req{};
+    strcpy(req.name, ifname);
+    buf.assign(room + 64u, 0xEE);
+    req.pointer = buf.data();
+    req.length = room;
+    req.flags = flags;
+    return ioctl(s.get(), number, &req) == 0 ? req.length : -errno;
+}
+
+TEST(Model, AnswersStopAtTheCallersLength)
+{
+    vdev::put("/run/vdev/radio/ath0/stations", "mac=02:00:00:00:00:01 rssi=-3\nmac=02:00:00:00:00:02 size=200 len=0\n"
+                                               "mac=02:00:00:00:00:03 size=100\n");
+    vdev::put("/run/vdev/radio/ra0/wps_profile", std::string(1000, 'p'));
+    const struct { const char *ifname; unsigned long number; uint16_t flags, room; int answered; } cases[] = {
+        {"ra0", 0x8BE1, 0x0750, 968, 968},   {"ra0", 0x8BE1, 0x0750, 2000, 968}, {"ra0", 0x8BE1, 0x0751, 3, 3},
+        {"ra0", 0x8BE1, 0x0800, 48, 48},     {"ra0", 0x8BE1, 0x0800, 4096, 2048}, {"ra0", 0x8BE1, 0x0802, 250, 250},
+        {"ath0", 0x89F6, 1, 24576, 492},    {"ath0", 0x89F6, 0, 391, 192},      {"ath0", 0x89F6, 0, 100, 0},
+        {"ra0", 0x8BE1, 0x0999, 100, -EOPNOTSUPP}, {"ra0", 0x89F6, 0, 100, -EOPNOTSUPP},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::Message() << c.ifname << " " << std::hex << c.flags << std::dec << " " << c.room);
+        std::vector<unsigned char> buf;
+        EXPECT_EQ(ask(c.ifname, c.number, c.flags, buf, c.room), c.answered);
+        for (size_t i = c.room; i < buf.size(); i++)
+            ASSERT_EQ(buf[i], 0xEE) << i;
+        if (c.flags == 0x0800) { // two stations in the default scenario, one fits in 48 bytes
+            EXPECT_EQ(buf[0], c.room < 88 ? 1 : 2);
+        }
+    }
+    std::vector<unsigned char> buf;
+    ASSERT_EQ(ask("ath0", 0x89F6, 0, buf, 24576), 492);
+    EXPECT_EQ(std::vector<unsigned char>(buf.begin() + 192, buf.begin() + 194), (std::vector<unsigned char>{0, 0}));
+    EXPECT_EQ(buf[392 + 16 + 5], 3); // a short entry keeps the fields that fit
+    EXPECT_EQ(buf[11], 0xFD);        // rssi -3
+}
+
+TEST(Model, FailuresOnDemandRunOut)
+{
+    vdev::fail_ioctl("ra0", "survey", "EAGAIN", 2);
+    vdev::fail_ioctl("*", "wps_status", "EPERM");
+    std::vector<unsigned char> buf;
+    const int expected[] = {-EAGAIN, -EAGAIN, 6400};
+    for (int want : expected)
+        EXPECT_EQ(ask("ra0", 0x8BE1, 0x0802, buf, 6400), want);
+    EXPECT_EQ(ask("ra1", 0x8BE1, 0x0751, buf, 4), -EPERM);
+    EXPECT_EQ(ask("ra0", 0x8BE1, 0x0751, buf, 4), -EPERM);
+    EXPECT_EQ(vdev::read("/run/vdev/fail/ioctl"), "* wps_status EPERM\n");
+    EXPECT_EQ(vdev::ioctls().front(), "ra0 survey length=6400 channel=4008636142"); // the guard's bytes
+}
+
+TEST(Model, ToolAndProgramShareThePhyRegisters)
+{
+    ASSERT_EQ(vdev::sh("mii_mgr -s -p 3 -r 5 -v 0x41e1 >/dev/null && mii_mgr -s -p 3 -r 1 -v 796d >/dev/null"), 0);
+    vesk::unique_fd s(socket(AF_INET, SOCK_DGRAM, 0));
+    const struct { unsigned long number; uint16_t phy, reg, value; } cases[] = {
+        {SIOCGMIIREG, 3, 5, 0x41E1}, {0x89FE, 3, 5, 0x41E1}, {0x89FE, 3, 0, 1}, {SIOCGMIIREG, 3, 0, 0x1140},
+        {SIOCGMIIPHY, 3 + 32, 1, 0x796D}, {SIOCGMIIREG, 9, 1, 0xFFFF}, // no PHY at address 9
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::Message() << std::hex << c.number << " " << c.reg);
+        ifreq ifr{};
+        strcpy(ifr.ifr_name, "eth2");
+        auto *mii = reinterpret_cast<uint16_t *>(&ifr.ifr_ifru);
+        mii[0] = c.phy;
+        mii[1] = c.reg;
+        ASSERT_EQ(ioctl(s.get(), c.number, &ifr), 0);
+        EXPECT_EQ(mii[3], c.value);
+    }
+}
+
+} // namespace
