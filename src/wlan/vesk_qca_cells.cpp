@@ -135,7 +135,9 @@ void read_cells(const char *ifname, char *stream, size_t len, const iw_range &ra
     if (records.empty())
         return;
     walk w{records, range, strcmp(ifname, kMainQca) == 0};
-    init_security(&w.sec); // a stream whose first cell has no encoding event
+    // A first cell without mode or encoding events: an access point, no privacy.
+    w.sec.infrastructure = 1;
+    init_security(&w.sec);
     vesk_iw_stream s;
     iw_init_event_stream(&s, stream, int(len));
     iw_event e;
