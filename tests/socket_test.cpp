@@ -30,7 +30,7 @@ struct peer {
             close(fd);
         });
     }
-    ~peer() { thread.join(), close(listener); }
+    ~peer() { thread.joinable() ? thread.join() : void(), close(listener); }
 };
 
 std::string take(int fd)
@@ -68,8 +68,6 @@ TEST(Socket, RequestsRepliesAndCloses)
 {
     peer p([](int fd) {
         EXPECT_EQ(take(fd), std::string("GET /x\0\1", 8)); // both writes in one send
-        give(fd, "pong");
-        take(fd);
         give(fd, "abcdef");
         shutdown(fd, SHUT_WR);
         take(fd);
@@ -80,22 +78,17 @@ TEST(Socket, RequestsRepliesAndCloses)
     vesk_socket_pkt_write(&pkt, "GET /%s", "x");
     vesk_socket_pkt_write_binary(&pkt, "\0\1", 2);
     EXPECT_EQ(std::make_pair(vesk_socket_send(&pkt), pkt.out_len), std::make_pair(1, 0));
-    EXPECT_EQ(vesk_socket_recv(&pkt, 100), 4);
-    EXPECT_STREQ(pkt.in_buf, "pong");
-    vesk_socket_pkt_write(&pkt, "next");
-    vesk_socket_send(&pkt);
     EXPECT_EQ(vesk_socket_recv(&pkt, 3), 2); // len - 1 bytes, terminated
     EXPECT_STREQ(pkt.in_buf, "ab");
     EXPECT_EQ(vesk_socket_recv(&pkt, 100), 4);
     EXPECT_EQ(vesk_socket_recv(&pkt, 100), 0); // the peer's orderly close
     EXPECT_STREQ(pkt.in_buf, "");
-    vesk_socket_pkt_write(&pkt, "bye");
-    vesk_socket_send(&pkt);
-    p.thread.join();
-    p.thread = std::thread([] {});
-    // The peer is gone and resets; a send after that fails without killing the caller.
+    // The peer goes and resets; a send after that fails without killing the caller.
     vesk_socket_pkt_write(&pkt, "lost");
-    vesk_socket_send(&pkt);
+    vesk_socket_send(&pkt); // the peer takes it and closes
+    p.thread.join();
+    vesk_socket_pkt_write(&pkt, "lost");
+    vesk_socket_send(&pkt); // answered with a reset
     pollfd reset{pkt.sock, 0, 0};
     EXPECT_EQ(poll(&reset, 1, 2000), 1);
     vesk_socket_pkt_write(&pkt, "lost");
@@ -113,8 +106,8 @@ TEST(Socket, WaitsEndAndBadDescriptorsReport)
     ASSERT_EQ(vesk_socket_do_connect(&pkt), 1);
     pkt.recv_timeout = 1;
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_recv(&pkt, 100), -1); }), "timeout\n");
+    EXPECT_EQ(vesk_socket_close(&pkt), 0);
 
-    const int connected = pkt.sock;
     int pipe_fds[2];
     ASSERT_EQ(pipe(pipe_fds), 0);
     pkt.sock = pipe_fds[0]; // never writable: the request stays for another try
@@ -130,8 +123,6 @@ TEST(Socket, WaitsEndAndBadDescriptorsReport)
               "vesk_socket_send: Select error [" + std::string(strerror(EBADF)) + "]\n");
     EXPECT_EQ(pkt.out_len, 0);
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_recv(&pkt, 10), -1); }), "select: " + error_text(EBADF));
-    pkt.sock = connected;
-    EXPECT_EQ(vesk_socket_close(&pkt), 0);
 }
 
 TEST(Socket, BadArgumentsEndTheProcessWithTheirLine)
