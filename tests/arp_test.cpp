@@ -59,10 +59,10 @@ TEST(ArpTable, KernelNeighbours)
     EXPECT_EQ(vesk_arp_get_ifname_by_ip(nullptr), nullptr);
     EXPECT_EQ(vesk_arp_get_macstr_by_ip(nullptr, 1), nullptr);
     EXPECT_EQ(vesk_arp_get_ip_by_macstr(nullptr), nullptr);
-    EXPECT_TRUE(vdev::journal().empty()); // no ping without do_ping
+    EXPECT_TRUE(vdev::commands().empty()); // no ping without do_ping
     EXPECT_STREQ(vesk_arp_get_macstr_by_ip("192.0.2.20", 1), "020000000014");
     EXPECT_STREQ(vesk_arp_get_macstr_by_ip("192.0.2.20;touch /tmp/owned", 1), "000000000000");
-    EXPECT_EQ(vdev::journal(), std::vector<std::string>{"ping 192.0.2.20 -c 1"});
+    EXPECT_EQ(vdev::commands(), std::vector<std::string>{"ping 192.0.2.20 -c 1 2>&1 >/dev/null"});
     EXPECT_FALSE(vdev::exists("/tmp/owned"));
     // A MAC in either case; 12 characters count, and a short one is never read past its end.
     for (auto [macstr, ip] : {std::pair{"0a1b2c3d4e5f", "198.51.100.20"}, {"0A1B2C3D4E5F", "198.51.100.20"},
@@ -106,6 +106,12 @@ TEST(ArpFile, RowsAsTheFileWritesThem)
     EXPECT_EQ(vesk_arp_get_ifname_by_ip("192.0.2.9"), nullptr);
     EXPECT_STREQ(vesk_arp_get_ifname_by_ip("192.0.2.7"), std::string(15, 'e').c_str());
     EXPECT_STREQ(vesk_arp_get_macstr_by_ip("192.0.2.7", 0), std::string(31, 'A').c_str());
+    // A row of 127 characters is whole; the 128th is cut off.
+    const std::string row = "192.0.2.6 0x1 0x2 02:00:00:00:00:06 *";
+    vdev::put("/proc/net/arp", std::string(kHeader) + row + std::string(127 - row.size() - 4, ' ') + "eth6\n" +
+                                   "192.0.2.11" + row.substr(9) + std::string(126 - row.size(), ' ') + "x\n");
+    EXPECT_STREQ(vesk_arp_get_ifname_by_ip("192.0.2.6"), "eth6");
+    EXPECT_STREQ(vesk_arp_get_ifname_by_ip("192.0.2.11"), "-");
     // A header only, or no table: nothing found, nothing said.
     for (bool present : {true, false}) {
         present ? vdev::put("/proc/net/arp", kHeader) : vdev::remove("/proc/net/arp");

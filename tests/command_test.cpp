@@ -135,21 +135,10 @@ TEST_F(Command, PlainWordsGiveTheDeviceCommandLines)
         std::function<void()> call;
         lines want;
     } cases[] = {
-        {"mount", [] { vesk_disk_mount("/dev/sdz2", "/mnt/usb2"); },
-         {"rm -rf /mnt/usb2", "mkdir -p  /mnt/usb2", "mount /dev/sdz2 /mnt/usb2"}},
-        {"unmount", [] { vesk_disk_unmount("/mnt/usb2"); }, {"sync;sync;sync", "umount -f /mnt/usb2"}},
         {"copy", [] { vesk_disk_save_copy_file("/tmp/cfg", "/mnt/usb1/cfg", "/mnt/usb1", 0); },
          {"cat /proc/mounts | grep /dev/sdz1", "cp /tmp/cfg /mnt/usb1/cfg 2>&1"}},
         {"truncate", [] { vesk_file_text_truncate("/tmp/old", nullptr, 1, 0); },
          {"mv /tmp/old /tmp/vesk_file_text_truncate.tmp", "rm -rf /tmp/vesk_file_text_truncate.tmp"}},
-        {"encrypt", [] { vesk_crypt_enc_file("/tmp/in", "", "/tmp/out", 0); },
-         {"rm -rf /tmp/out", "echo \"\" > /var/vesk_crypt_key_file", "lockwrap /var/vesk_crypt_key_file e /tmp/in /tmp/out",
-          "rm -rf /var/vesk_crypt_key_file", "rm -rf /tmp/in"}},
-        {"restore", [] { vesk_do_restore_config("/tmp/cfg", 1); },
-         {"cp /tmp/cfg /storage/quil.dat", "rm -rf /tmp/cfg", "sd_ctrl inform reboot"}},
-        {"upgrade", [] { vesk_do_image_upgrade("/tmp/kernel.bin", 1, 0, "1.0.12"); },
-         {"flashcp -v /tmp/kernel.bin /dev/mtd3", "board_config set kver 1.0.12"}},
-        {"ppp", [] { vesk_wan_get_ppp_status("pppd", "ppp0"); }, {"netstat -rn | grep ppp0"}},
         {"hostname", [] { vesk_net_set_hostname("ap-kitchen"); }, {"echo ap-kitchen > /etc/hostname"}},
         {"empty hostname", [] { vesk_net_set_hostname(""); }, {"echo  > /etc/hostname"}},
     };

@@ -54,6 +54,9 @@ TEST(Wait, ValueConditionSleepsOnlyWhenFalse)
 TEST(DeviceState, UsbootMarkerAndScheduleEnable)
 {
     EXPECT_EQ(vesk_get_usboot(), 0);
+    vdev::put("/mnt/usboot", ""); // any kind of file marks it
+    EXPECT_EQ(vesk_get_usboot(), 1);
+    vdev::remove("/mnt/usboot");
     ASSERT_EQ(mkdir("/mnt/usboot", 0755), 0);
     EXPECT_EQ(vesk_get_usboot(), 1);
 
@@ -72,9 +75,9 @@ TEST(Led, OnlyBootUpZeroRunsTheTool)
     vesk_led_get_wan_ip();
     vesk_led_boot_up(1);
     vesk_led_boot_up(-1);
-    EXPECT_TRUE(vdev::journal().empty());
+    EXPECT_TRUE(vdev::commands().empty());
     vesk_led_boot_up(0);
-    EXPECT_EQ(vdev::journal(), std::vector<std::string>{"led_ctl diag off"});
+    EXPECT_EQ(vdev::commands(), std::vector<std::string>{"led_ctl diag off"});
 }
 
 TEST(Assert, PrintsExpressionAndExits)

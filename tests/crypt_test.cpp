@@ -2,6 +2,8 @@
 #include <sys/stat.h>
 
 #include <string>
+#include <tuple>
+#include <vector>
 
 #include "output_of.hpp"
 #include "vdev.hpp"
@@ -20,6 +22,7 @@ TEST(Crypt, RoundTripGivesTheInputBackOnlyWithTheSameKey)
     for (const char *key : {"", "secret", key64.c_str()}) {
         SCOPED_TRACE(std::string("key '") + key + "'");
         vdev::put("/tmp/plain", kPlain);
+        vdev::remove(kKeyFile); // left by the last key's failure
         vdev::clear_journal();
         ASSERT_EQ(vesk_crypt_enc_file("/tmp/plain", key, "/tmp/enc", 1), 1);
         EXPECT_EQ(vdev::read("/tmp/enc").find("settings"), std::string::npos) << "output is not encrypted";
@@ -32,9 +35,17 @@ TEST(Crypt, RoundTripGivesTheInputBackOnlyWithTheSameKey)
 
         ASSERT_EQ(vesk_crypt_dec_file("/tmp/enc", key, "/tmp/dec", 1), 1);
         EXPECT_EQ(vdev::read("/tmp/dec"), kPlain);
-        EXPECT_EQ(vdev::journal(), (std::vector<std::string>{"lockwrap /var/vesk_crypt_key_file e /tmp/plain /tmp/enc",
-                                                             "lockwrap /var/vesk_crypt_key_file e /tmp/copy /tmp/enc2",
-                                                             "lockwrap /var/vesk_crypt_key_file d /tmp/enc /tmp/dec"}));
+        std::vector<std::string> want;
+        for (auto [mode, in, out] : {std::tuple{"e", "/tmp/plain", "/tmp/enc"}, {"e", "/tmp/copy", "/tmp/enc2"},
+                                     {"d", "/tmp/enc", "/tmp/dec"}}) {
+            want.push_back(std::string("rm -rf ") + out);
+            if (!*key) // an empty key is a newline
+                want.push_back("echo \"\" > /var/vesk_crypt_key_file");
+            want.push_back(std::string("lockwrap /var/vesk_crypt_key_file ") + mode + " " + in + " " + out);
+            want.push_back("rm -rf /var/vesk_crypt_key_file");
+        }
+        want.insert(want.begin() + (*key ? 6 : 8), "rm -rf /tmp/copy");
+        EXPECT_EQ(vdev::commands(), want);
 
         // A wrong key fails, keeps the input and has removed the old output.
         std::string err = stderr_of([] { EXPECT_EQ(vesk_crypt_dec_file("/tmp/enc", "other", "/tmp/dec", 0), 0); });
@@ -69,7 +80,7 @@ TEST(Crypt, BadArgumentsRunNothingAndLeaveOutputAlone)
         vdev::put("/tmp/out", "old");
         vdev::clear_journal();
         EXPECT_EQ(stderr_of([&] { EXPECT_EQ(c.fn(c.input, c.key, c.output, 0), 0); }), c.message);
-        EXPECT_TRUE(vdev::journal().empty());
+        EXPECT_TRUE(vdev::commands().empty());
         EXPECT_EQ(vdev::read("/tmp/out"), "old");
         EXPECT_EQ(vdev::read("/tmp/in"), "abc");
     }
@@ -92,8 +103,12 @@ TEST(Crypt, FailingToolLeavesKeyFileWithTheKeyBytes)
     }
     // The next successful call clears the stale key file.
     vdev::put("/tmp/in", "abc");
+    vdev::clear_journal();
     EXPECT_EQ(vesk_crypt_enc_file("/tmp/in", "k", "/tmp/out", 1), 1);
     EXPECT_FALSE(vdev::exists(kKeyFile));
+    EXPECT_EQ(vdev::commands(), (std::vector<std::string>{"rm -rf /tmp/out", "rm -rf /var/vesk_crypt_key_file",
+                                                          "lockwrap /var/vesk_crypt_key_file e /tmp/in /tmp/out",
+                                                          "rm -rf /var/vesk_crypt_key_file"}));
 }
 
 } // namespace

@@ -77,12 +77,16 @@ TEST(FwRestore, RebootOnlyWhenAskedAndUsbCopiesOnlyWithUsboot)
         vdev::put("/tmp/restore.dat", "x");
         vdev::clear_journal();
         EXPECT_EQ(vesk_do_restore_config("/tmp/restore.dat", reboot), 1);
-        EXPECT_EQ(vdev::journal(), reboot ? lines{"sd_ctrl inform reboot"} : lines{});
+        lines want = {"cp /tmp/restore.dat /storage/quil.dat", "rm -rf /tmp/restore.dat", "sd_ctrl inform reboot"};
+        want.resize(2 + reboot);
+        EXPECT_EQ(vdev::commands(), want);
         EXPECT_FALSE(vdev::exists("/tmp/restore.dat"));
         EXPECT_EQ(vdev::sh("[ -z \"$(ls -A /mnt/usb1)\" ]"), 0);
     }
-    stderr_of([] { EXPECT_EQ(vesk_do_restore_config(nullptr, 1), 1); });
-    EXPECT_EQ(vdev::journal(), lines{"sd_ctrl inform reboot"}); // nothing more ran
+    vdev::clear_journal();
+    EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_do_restore_config(nullptr, 1), 1); }),
+              "vesk_do_restore_config: path is NULL!\n");
+    EXPECT_EQ(vdev::commands(), lines{});
 
     // Booted from USB, a read-only disk does not stop the restore.
     ASSERT_EQ(mkdir("/mnt/usboot", 0755), 0);
@@ -93,7 +97,7 @@ TEST(FwRestore, RebootOnlyWhenAskedAndUsbCopiesOnlyWithUsboot)
     EXPECT_EQ(quil_get_int_value("schedule_en"), 7);
     EXPECT_FALSE(vdev::exists("/tmp/restore.dat"));
     // Each of the two copies is reported as failed.
-    lines journal = vdev::journal();
+    lines journal = vdev::commands();
     EXPECT_EQ(std::count(journal.begin(), journal.end(), "led_ctl diag D5"), 2) << testing::PrintToString(journal);
 }
 
@@ -103,9 +107,20 @@ TEST(FwBackup, RefusedKeyLeavesNoImage)
     vdev::clear_journal();
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_do_backup_config(key65.c_str()), 1); }),
               "vesk_crypt_enc_file: input key error!\n");
-    EXPECT_EQ(vdev::journal(), lines{"header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"});
+    EXPECT_EQ(vdev::commands(), lines{"header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"});
     EXPECT_FALSE(vdev::exists("/tmp/user.conf"));
     EXPECT_TRUE(vdev::exists(QUIL_DAT_FILE));
+}
+
+TEST(FwBackup, StoreWithoutFileYetIsFlushedFirst)
+{
+    EXPECT_EQ(std::count(reset_default_prefix_list, std::end(reset_default_prefix_list), '\0'), 480); // untouched
+    vdev::remove(QUIL_DAT_FILE);
+    EXPECT_EQ(vesk_do_backup_config("k"), 1);
+    EXPECT_EQ(vdev::commands(), (lines{"rm -rf /tmp/ap_cfg", "lockwrap /var/vesk_crypt_key_file e /storage/quil.dat /tmp/ap_cfg",
+                                       "rm -rf /var/vesk_crypt_key_file",
+                                       "header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"}));
+    EXPECT_TRUE(vdev::exists("/tmp/user.conf"));
 }
 
 // A management page's path: back up, take the image apart, upgrade, find the store as it was.
@@ -125,8 +140,12 @@ TEST(FwPath, BackupRestoresThroughTheFlashEvent)
         const std::string saved = vdev::read(QUIL_DAT_FILE);
         vdev::clear_journal();
         ASSERT_EQ(vesk_do_backup_config(key), 1);
-        EXPECT_EQ(vdev::journal(), (lines{"lockwrap /var/vesk_crypt_key_file e /storage/quil.dat /tmp/ap_cfg",
-                                          "header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"}));
+        lines want = {"rm -rf /tmp/ap_cfg", "echo \"\" > /var/vesk_crypt_key_file",
+                      "lockwrap /var/vesk_crypt_key_file e /storage/quil.dat /tmp/ap_cfg",
+                      "rm -rf /var/vesk_crypt_key_file", "header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"};
+        if (!usboot)
+            want.erase(want.begin() + 1); // a key of its own needs no echo
+        EXPECT_EQ(vdev::commands(), want);
         EXPECT_EQ(vdev::read(QUIL_DAT_FILE), saved);
         EXPECT_FALSE(vdev::exists("/tmp/ap_cfg"));
         EXPECT_EQ(vdev::read("/tmp/user.conf").find("schedule_en"), std::string::npos) << "not encrypted";
@@ -152,7 +171,7 @@ TEST(FwPath, BackupRestoresThroughTheFlashEvent)
         EXPECT_EQ(quil_get_int_value("radio_opmode_2"), 3);
         EXPECT_FALSE(vdev::exists("/tmp/restore.dat"));
         EXPECT_FALSE(vdev::exists("/tmp/user.conf"));
-        EXPECT_EQ(vdev::journal().back(), "sd_ctrl inform reboot");
+        EXPECT_EQ(vdev::commands().back(), "sd_ctrl inform reboot");
         EXPECT_EQ(fake_sleep::calls, 0u);
         if (usboot) {
             EXPECT_EQ(vdev::read("/mnt/usb1/.quil.dat"), saved);

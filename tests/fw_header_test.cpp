@@ -140,7 +140,7 @@ TEST(FwHeader, DecodeAsksTheHeaderTool)
     std::string out = stderr_of([] { EXPECT_EQ(vesk_decode_firmware("/tmp/img"), 1); });
     // The tool's verdict stands behind another line of its output.
     EXPECT_EQ(out.rfind("buf[header: /tmp/img: type 3, version 1.2.3\nheader: Return OK\n]\nOKOK!!\n", 0), 0u) << out;
-    EXPECT_EQ(vdev::journal(), std::vector<std::string>{"header -x /tmp/img"});
+    EXPECT_EQ(vdev::commands(), std::vector<std::string>{"header -x /tmp/img"});
     EXPECT_EQ(vdev::read("/tmp/img"), "kernel bytes");
 
     // Now without a header it fails.

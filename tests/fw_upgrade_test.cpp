@@ -42,7 +42,7 @@ TEST(FwUpgrade, KernelGoesToItsPartitionAndBecomesKver)
         lines want = {"flashcp -v /tmp/kernel.bin /dev/mtd3", std::string("board_config set kver ") + h.code_version};
         if (reboot)
             want.push_back("sd_ctrl inform reboot");
-        EXPECT_EQ(vdev::journal(), want);
+        EXPECT_EQ(vdev::commands(), want);
         EXPECT_EQ(vdev::read("/dev/mtd3"), "kernel image " + std::to_string(reboot));
         EXPECT_EQ(board("kver"), h.code_version);
         EXPECT_EQ(fake_sleep::calls, 2u);
@@ -68,14 +68,17 @@ TEST(FwUpgrade, OtherTypesDoNothingAndUnknownTypesFail)
         fake_sleep::reset();
         vesk_fw_header h = header_of(c.type);
         EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_flash_event_handle("/tmp/img", &h, 1), c.result); }), c.message);
-        EXPECT_TRUE(vdev::journal().empty());
+        EXPECT_TRUE(vdev::commands().empty());
         EXPECT_EQ(fake_sleep::calls, 0u);
         EXPECT_TRUE(vdev::exists("/tmp/img"));
     }
     vesk_fw_header h = header_of(3);
     EXPECT_EQ(vesk_flash_event_handle(nullptr, &h, 0), 0);
     EXPECT_EQ(vesk_flash_event_handle("/tmp/img", nullptr, 0), 0);
-    EXPECT_TRUE(vdev::journal().empty());
+    EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_do_image_upgrade(nullptr, 1, 1, "1.0"), 1); }),
+              "vesk_do_image_upgrade: path is NULL!\n");
+    EXPECT_TRUE(vdev::commands().empty());
+    EXPECT_EQ(fake_sleep::calls, 0u);
 }
 
 TEST(FwUpgrade, MissingPartitionStillRecordsVersion)
@@ -88,7 +91,7 @@ TEST(FwUpgrade, MissingPartitionStillRecordsVersion)
         SCOPED_TRACE(index);
         vdev::clear_journal();
         stderr_of([&] { EXPECT_EQ(vesk_do_image_upgrade("/tmp/k", index, 0, "9.9.9"), 1); });
-        EXPECT_EQ(vdev::journal(), (lines{"flashcp -v /tmp/k /dev/mtd-1", "board_config set kver 9.9.9"}));
+        EXPECT_EQ(vdev::commands(), (lines{"flashcp -v /tmp/k /dev/mtd-1", "board_config set kver 9.9.9"}));
     }
     EXPECT_EQ(board("kver"), "9.9.9");
 }

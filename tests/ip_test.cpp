@@ -69,13 +69,13 @@ TEST(Ip, SameSubnet)
 
 TEST(Ip, FirstAddressOfHost)
 {
-    vdev::put("/etc/hosts", "127.0.0.1 localhost\n203.0.113.5 printer.lan\n203.0.113.6 printer.lan\n");
+    vdev::put("/etc/hosts", "127.0.0.1 localhost\n203.0.113.5 printer.lan\n203.0.113.6 printer.lan\n2001:db8::5 six.lan\n");
     const struct {
         const char *node;
         const char *addr; // null: does not resolve
     } cases[] = {
         {"printer.lan", "203.0.113.5"}, {"198.51.100.20", "198.51.100.20"}, {"localhost", "127.0.0.1"},
-        {"no-such-host.invalid", nullptr}, {nullptr, nullptr},
+        {"no-such-host.invalid", nullptr}, {"six.lan", nullptr}, // IPv6 only {nullptr, nullptr},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.node ? c.node : "(null)");

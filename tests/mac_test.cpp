@@ -95,7 +95,7 @@ TEST(Mac, ValidText)
     } cases[] = {
         {"00:1A:2B:3C:4D:5E", 1, false},
         {"ZZZZZZZZZZZZ", 1, false}, // only length and 7-bit text count
-        {"00:1A:2B:3C:4D:5\xC5", 0, false},
+        {"00:1A:2B:3C:4D:5\xC5", 0, false}, {"\x80" "0:1A:2B:3C:4D:5E", 0, false}, {"00:1A:2B:3C:4D:5\x7F", 1, false},
         {"00:1A:2B:3C:4D:5E:FF", 0, true}, {"00:1A:2B:3C:4D", 0, true},
         {std::string(67, ':') + "001A2B3C4D5E", 1, false},
         {std::string(68, ':') + "001A2B3C4D5E", 0, true},

@@ -93,7 +93,7 @@ TEST(Uuid, TemplateEndsInTheBoardMac)
         char *uuid = vesk_get_uuid();
         EXPECT_STREQ(uuid, (std::string("f0015eb6-69b9-436e-a383-") + c.tail).c_str());
         EXPECT_EQ(vesk_get_uuid(), uuid);
-        EXPECT_EQ(vdev::journal(), (std::vector<std::string>{"board_config get ethaddr", "board_config get ethaddr"}));
+        EXPECT_EQ(vdev::commands(), (std::vector<std::string>{"board_config get ethaddr", "board_config get ethaddr"}));
     }
 }
 
@@ -113,7 +113,7 @@ TEST(Uuid, ToolMakesItFromTheMacOrItsSuccessorElseFixedText)
         SCOPED_TRACE(c.mac);
         set_board_mac(c.ethaddr);
         std::string uuid = vesk_get_uuid_by_wlan_mac(c.which), mac = c.mac;
-        EXPECT_EQ(vdev::journal(), (std::vector<std::string>{"board_config get ethaddr", "uuidgen -m " + mac}));
+        EXPECT_EQ(vdev::commands(), (std::vector<std::string>{"board_config get ethaddr", "uuidgen -m " + mac}));
         for (char &ch : mac)
             ch = static_cast<char>(tolower(ch));
         ASSERT_EQ(uuid.size(), 37u);

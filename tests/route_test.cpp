@@ -110,11 +110,12 @@ TEST(Dns, ResolverFile)
         EXPECT_STREQ(vesk_if_get_dns(), c.by_index[1]);
     }
     // Ten servers of 15 characters need 159 bytes: those that do not fit
-    // whole in the 128 are left out (eight servers and seven commas).
+    // whole in the 128 are left out (eight servers and seven commas). One
+    // of 16 characters before the eighth would overrun by a byte.
     std::string file, all;
     for (int i = 0; i < 10; i++) {
         std::string addr = "255.255.255.25" + std::to_string(i);
-        file += "nameserver " + addr + "\n";
+        file += (i == 7 ? "nameserver 2555555555555555\n" : "") + ("nameserver " + addr + "\n");
         if (i < 8)
             all += (all.empty() ? "" : ",") + addr;
     }

@@ -104,7 +104,8 @@ TEST(Text, CharacterValues)
         char c;
         int value;
     } cases[] = {{'0', 0}, {'9', 9}, {'a', 10}, {'A', 10}, {'f', 15}, {'g', 16},
-                 {'z', 35}, {'Z', 35}, {'-', -1}, {' ', -1}, {'\0', -1}, {'\xe9', -1}};
+                 {'z', 35}, {'Z', 35}, {'-', -1}, {' ', -1}, {'\0', -1}, {'\xe9', -1},
+                 {'/', -1}, {':', -1}, {'@', -1}, {'[', -1}, {'`', -1}, {'{', -1}};
     for (const auto &c : cases)
         EXPECT_EQ(vesk_char_to_int(c.c), c.value) << static_cast<int>(c.c);
 }
@@ -186,7 +187,7 @@ TEST(Text, UrlCompare)
     } cases[] = {
         {"HTTP://A", "http://a", 0}, {"http://a/", "http://a", 1}, {"http://a:80", "http://a", 1},
         {"abc", "abd", -1},          {"", "", 0},
-        {"\xc4", "\xe4", -1}, // only ASCII is lower-cased; bytes compare unsigned
+        {"\xc4", "\xe4", -1}, {"z", "\x80", -1}, // only ASCII is lower-cased; bytes compare unsigned
         // Long texts are compared whole, both ways.
         {std::string(300, 'A') + "X", std::string(300, 'a') + "x", 0},
         {std::string(300, 'a') + "b", std::string(300, 'a') + "c", -1},

@@ -60,7 +60,7 @@ int partner(int argc, char **argv)
         return 2;
     if (!vesk_mii_get_link_partner_info(ifname, &abilities, &full, phy))
         return 1;
-    printf("abilities 0x%x, %s duplex\n", abilities, full ? "full" : "half");
+    printf("abilities 0x%x full_duplex %u\n", abilities, full);
     return 0;
 }
 
