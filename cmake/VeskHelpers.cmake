@@ -4,5 +4,9 @@ function(vesk_device_target target)
   # Link with the C driver and refuse undefined symbols, so that any use of
   # libstdc++ or libgcc_s fails the build instead of showing up on the device.
   set_target_properties(${target} PROPERTIES LINKER_LANGUAGE C)
-  target_link_options(${target} PRIVATE -Wl,-z,defs -Wl,--as-needed)
+  # clang's sanitizer runtime comes only with the program (the fuzz build).
+  if(NOT VESK_FUZZ)
+    target_link_options(${target} PRIVATE -Wl,-z,defs)
+  endif()
+  target_link_options(${target} PRIVATE -Wl,--as-needed)
 endfunction()

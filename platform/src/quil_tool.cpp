@@ -3,7 +3,6 @@
 //   quil set KEY VALUE    the same forms
 //   quil list             the store's file as it stands
 #include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
 
 #include "quil.h"
@@ -54,30 +53,14 @@ int set(const char *key, const char *text)
     int size = key_size(key, &is_number);
     if (!size)
         return 1;
-    unsigned char value[128] = {};
-    if (is_number) {
-        char *end;
-        int v = static_cast<int>(strtol(text, &end, 0));
-        if (*end || end == text) {
-            fprintf(stderr, "quil: %s takes a number\n", key);
-            return 1;
-        }
-        memcpy(value, &v, sizeof v);
-    } else {
-        if (strlen(text) != 2 * static_cast<size_t>(size)) {
+    if (quil_set_text(key, text) != 0) {
+        if (is_number)
+            fprintf(stderr, "quil: %s takes a 32-bit decimal number\n", key);
+        else
             fprintf(stderr, "quil: %s takes %d bytes in hex\n", key, size);
-            return 1;
-        }
-        for (int i = 0; i < size; i++) {
-            unsigned int byte;
-            if (sscanf(text + 2 * i, "%2x", &byte) != 1) {
-                fprintf(stderr, "quil: bad hex in %s\n", text);
-                return 1;
-            }
-            value[i] = static_cast<unsigned char>(byte);
-        }
+        return 1;
     }
-    return quil_set_value(value, key) == 0 ? 0 : 1;
+    return 0;
 }
 
 int list()
