@@ -93,13 +93,4 @@ TEST(WlanIwconfig, EscapedKeyReadsBackThroughTheShell)
     EXPECT_STREQ(out, "");
 }
 
-TEST(WlanIwconfig, DumpPrintsEveryField)
-{
-    vesk_wlan_info info = {70, -30, -95, 1, 300, "02:00:00:00:01:00", 36, 5180};
-    EXPECT_EQ(stdout_of([&] { vesk_dump_wlan_info(&info); }),
-              "=====Wlan Status =====\nlinkQuality 70\nsignalLevel -30\nnoiseLevel -95\nisLevelinDbm 1\n"
-              "bitRate 300\nMac 02:00:00:00:01:00\nchannel 36\nfrequency 5180\n");
-    EXPECT_EQ(stdout_of([] { vesk_dump_wlan_info(nullptr); }), "");
-}
-
 } // namespace
