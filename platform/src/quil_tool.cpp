@@ -2,17 +2,21 @@
 //   quil get KEY          number in decimal, record in hex
 //   quil set KEY VALUE    the same forms
 //   quil list             the store's file as it stands
+//   quil --host set ...   write the store outside a device as well
+// Exit status: 0 done, 1 no value or a failed write, 2 usage or refused.
 #include <stdio.h>
 #include <string.h>
 
+#include "host_guard.hpp"
 #include "quil.h"
 
 namespace {
 
 int usage()
 {
-    fputs("usage: quil get KEY | quil set KEY VALUE | quil list\n"
-          "  numbers are decimal, records are hex (two digits a byte)\n",
+    fputs("usage: quil get KEY | quil [--host] set KEY VALUE | quil list\n"
+          "  numbers are decimal, records are hex (two digits a byte)\n"
+          "  set writes /storage only inside a device, or with --host (or VESK_HOST=1)\n",
           stderr);
     return 2;
 }
@@ -79,6 +83,14 @@ int list()
 
 int main(int argc, char **argv)
 {
+    const bool host = argc > 1 && !strcmp(argv[1], "--host");
+    argc -= host, argv += host;
+    if (argc == 4 && !strcmp(argv[1], "set") && !vesk_tool::may_change(host)) {
+        fputs("quil: refused outside an emulated device, as set would change this host's /storage; "
+              "give --host or VESK_HOST=1 to mean this host\n",
+              stderr);
+        return 2;
+    }
     if (argc == 3 && !strcmp(argv[1], "get"))
         return get(argv[2]);
     if (argc == 4 && !strcmp(argv[1], "set"))

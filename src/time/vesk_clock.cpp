@@ -80,8 +80,8 @@ struct timeval *vesk_time_tv_sub(const struct timeval *sub, struct timeval *val)
     // Two's complement wrap-around instead of signed overflow at the ends.
     val->tv_sec = wrapping_sub(val->tv_sec, sub->tv_sec);
     if (val->tv_usec < sub->tv_usec) {
-        val->tv_sec = wrapping_sub(val->tv_sec, time_t{1});
-        val->tv_usec = wrapping_sub(val->tv_usec, suseconds_t{-1000000});
+        val->tv_sec = wrapping_sub(val->tv_sec, decltype(val->tv_sec){1});
+        val->tv_usec = wrapping_sub(val->tv_usec, decltype(val->tv_usec){-1000000});
     }
     val->tv_usec = wrapping_sub(val->tv_usec, sub->tv_usec);
     return val;
