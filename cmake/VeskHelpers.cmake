@@ -1,3 +1,8 @@
+# Targets of C++ objects linked by the C driver would get libstdc++ added by
+# CMake as an implicit library of C++; the device's libraries must do without.
+# (Targets linked by the C++ driver get it from the driver itself.)
+list(REMOVE_ITEM CMAKE_CXX_IMPLICIT_LINK_LIBRARIES stdc++)
+
 # Flags shared by every C++ target that ends up in a device image.
 function(vesk_device_target target)
   target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:${VESK_CXX_FLAGS}>)

@@ -202,7 +202,8 @@ void sweep_temporaries(const char *path)
     unique_dir d(opendir(dirname));
     while (dirent *e = d ? readdir(d.get()) : nullptr) {
         std::string_view name(e->d_name);
-        if (name.size() == base.size() + 10 && name.starts_with(base) && name.substr(base.size()).starts_with(".tmp"))
+        if (name.size() == base.size() + 10 && name.starts_with(base) &&
+            std::string_view(name.data() + base.size(), 4) == ".tmp")
             unlinkat(dirfd(d.get()), e->d_name, 0);
     }
 }
