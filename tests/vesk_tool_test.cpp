@@ -34,6 +34,7 @@ template <size_t N> void check(const row (&rows)[N])
     // program: the host cannot exec them directly.
     setenv("VESK", (std::string(VESK_TOOL_RUNNER " ") + VESK_TOOL).c_str(), 1);
     setenv("QUIL", (std::string(VESK_TOOL_RUNNER " ") + VESK_QUIL).c_str(), 1);
+    setenv("EXAMPLE", (std::string(VESK_TOOL_RUNNER " ") + VESK_EXAMPLES).c_str(), 1);
     for (const row &r : rows) {
         SCOPED_TRACE(r.args);
         if (*r.setup) {
@@ -251,6 +252,9 @@ TEST(VeskTool, ProductAndStore)
         {"", "store get admin_cfg", 0, "(00){74}\n"},
         {"", "store get nosuch", 2, "unknown key nosuch"},
         {"", "store set admin_cfg 1", 2, "admin_cfg takes 74 bytes as 148 hex digits"},
+        {"", "store set wl1basic 0102030405060708090a0b", 0, ""}, // a record takes exactly its bytes
+        {"", "store get wl1basic", 0, "0102030405060708090a0b\n"},
+        {"", "store set wl1basic 1+1-1", 2, "takes 11 bytes"},
         {"", "store usboot", 0, "0\n"},
     };
     check(rows);
@@ -402,6 +406,32 @@ TEST(VeskTool, AccountsPhyAndDaemon)
         {"", "sd send ping", 1, "no system daemon runs \\(-3\\)"},
         {"/run/vdev/emu/peers/system_daemon start", "sd send ping", 0, "OK\n"},
         {"", "sd send \"$(printf %01100d 0)\"", 2, "longer than 1023 bytes"},
+    };
+    check(rows);
+}
+
+// The example programs of the guide, as a firmware programmer would run them.
+TEST(VeskTool, ExamplePrograms)
+{
+    const row rows[] = {
+        {"echo '93784.00 1.00' >/proc/uptime && ip route add default via 192.0.2.254 dev br0", "!$EXAMPLE/status_cgi",
+         0,
+         "Content-Type: text/html; charset=utf-8\r\n\r\n<!DOCTYPE html>\n[^]*<table>\n"
+         "<tr><th>Firmware</th><td>1.0.0</td></tr>\n"
+         "<tr><th>LAN address</th><td>192.0.2.1</td></tr>\n"
+         "<tr><th>LAN netmask</th><td>255.255.255.0</td></tr>\n"
+         "<tr><th>LAN MAC</th><td>([0-9A-F]{2}:){5}[0-9A-F]{2}</td></tr>\n"
+         "<tr><th>Gateway</th><td>192.0.2.254</td></tr>\n"
+         "<tr><th>Uptime</th><td>1 day 2 hours 3 mins 4 secs</td></tr>\n</table>\n</body></html>\n"},
+        {"ip addr flush dev br0 && ip route flush dev br0", "!$EXAMPLE/status_cgi", 0,
+         "[^]*<th>LAN address</th><td>not available</td>[^]*<th>Gateway</th><td>not available</td>[^]*"},
+        {"", "!$EXAMPLE/survey", 0,
+         "BSSID +CH SIG% +DBM  SECURITY +SSID\n"
+         "02:AA:00:00:00:01 +1 +81 +-52  WPA2PSK/AES +Cafe Corner\n"
+         "02:AA:00:00:00:02 +6 +60 +-67  WPA1PSKWPA2PSK/TKIPAES +Hallway\n"
+         "02:AA:00:00:00:03 +11 +35 +-80  NONE +\\(hidden\\)\n"},
+        {"mkdir -p /run/vdev/fail && echo 'ra0 survey EIO' >/run/vdev/fail/ioctl", "!$EXAMPLE/survey ra0 6", 1,
+         "survey: no survey of ra0"},
     };
     check(rows);
 }

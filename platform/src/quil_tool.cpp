@@ -3,7 +3,8 @@
 //   quil set KEY VALUE    the same forms
 //   quil list             the store's file as it stands
 //   quil --host set ...   write the store outside a device as well
-// Exit status: 0 done, 1 no value or a failed write, 2 usage or refused.
+// Exit status: 0 done, 1 no value, a value the key does not take or a failed
+// write, 2 usage, an unknown key or refused.
 #include <stdio.h>
 #include <string.h>
 
@@ -35,7 +36,7 @@ int get(const char *key)
     int is_number = 0;
     int size = key_size(key, &is_number);
     if (!size)
-        return 1;
+        return 2;
     unsigned char value[128] = {};
     if (!quil_get_value(value, "%s", key))
         return 1;
@@ -56,7 +57,7 @@ int set(const char *key, const char *text)
     int is_number = 0;
     int size = key_size(key, &is_number);
     if (!size)
-        return 1;
+        return 2;
     if (quil_set_text(key, text) != 0) {
         if (is_number)
             fprintf(stderr, "quil: %s takes a 32-bit decimal number\n", key);
