@@ -145,6 +145,13 @@ TEST(VeskTool, Interfaces)
         {"", "if host-ip nosuch.invalid", 1, "no answer"},
         {"", "if host-ip localhost 5", 2, "5 is not one of any 4 6"},
         {"", "stats show lo", 0, "rx_bytes [0-9]+\n[^]*tx_compressed [0-9]+\n"},
+        // The default device's /proc/stat: total is the sum of the eight counts, busy less idle and iowait.
+        {"", "stat cpu", 0, "user 10230\nnice 0\nsystem 8340\nidle 290120\niowait 120\nirq 0\nsoftirq 1610\n"
+                            "steal 0\ntotal 310420\nbusy 20180\n"},
+        {"echo intr 0 >/proc/stat", "stat cpu", 1, "no processor ticks"},
+        {"", "stat irq ra0", 0, "812244\n"},
+        {"", "stat irq", 2, "usage: vesk stat irq NAME"},
+        {"rm /proc/interrupts", "stat irq ra0", 1, "cannot read /proc/interrupts"},
         {"", "stats show nosuch0", 1, "no counters for nosuch0"},
         {"", "route gateway", 1, "no answer"},
         {"ip route add default via 192.0.2.254 dev br0", "route gateway", 0, "192.0.2.254\n"},
@@ -289,6 +296,7 @@ TEST(VeskTool, TextNumbersAndWan)
         {"", "util shell ''", 2, "1 to 4096 bytes"},
         {"", "util random", 0, "-?[0-9]+\n"},
         {"", "util seed lo", 0, ""},
+        {"", "util seed nosuch0", 2, "no interface nosuch0"},
         {"", "wan ppp pppd ppp0", 0, "status 0\nmeaning down\n"},
         {"", "wan detect", 0, "mask 8\ndhcp 0\npppoe 0\npptp 0\n"},
         {"", "wan ports 80 0 1000 2000", 0, "80, 1000-2000\n"},
@@ -296,6 +304,7 @@ TEST(VeskTool, TextNumbersAndWan)
         {"", "wan list '80, 1000-2000' 4", 0, "80 0\n1000 2000\n"},
         {"", "-j wan list 443 2", 0, "\\[\\{\"start\":443,\"end\":0\\}\\]\n"},
         {"", "wan list 80 0", 2, "from 1 to 64"},
+        {"", "wan list nosuch0", 2, "not a list of ports"},
     };
     check(rows);
 }
@@ -370,6 +379,7 @@ TEST(VeskTool, FilesDisksAndFirmware)
         {"", "fw encrypt /tmp/p k /tmp/e 2", 2, "from 0 to 1"},
         {"", "fw flash /etc/hostname", 1, "no image header"},
         {"", "fw restore /tmp/p 3", 2, "from 0 to 1"},
+        {"", "fw restore /tmp/nothing 0", 2, "/tmp/nothing is not a readable file"},
     };
     check(rows);
 }
@@ -402,7 +412,13 @@ TEST(VeskTool, AccountsPhyAndDaemon)
         {"", "phy power 1 maybe", 2, "maybe is not one of off on"},
         {"", "phy advertise 1 6", 2, "6 is not a number from 0 to 5"},
         {"", "phy mdi 5 1", 2, "5 is not a number from 0 to 4"},
+        {"", "phy eee 1 on", 0, ""},
+        {"", "phy eee 1 2", 2, "2 is not one of off on"},
+        {"", "phy gmac 2 5", 0, ""},
+        {"", "phy pause x off", 2, "x is not a number"},
         {"mkdir -p /run/vdev/fail && touch /run/vdev/fail/mii_mgr", "phy mdi 1 1", 1, "register access failed"},
+        {"", "phy pause 1 on", 1, "register access failed"},
+        {"touch /run/vdev/fail/reg", "phy gmac 2 5", 1, "register access failed"},
         {"", "sd send ping", 1, "no system daemon runs \\(-3\\)"},
         {"/run/vdev/emu/peers/system_daemon start", "sd send ping", 0, "OK\n"},
         {"", "sd send \"$(printf %01100d 0)\"", 2, "longer than 1023 bytes"},

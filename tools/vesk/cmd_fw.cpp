@@ -1,5 +1,7 @@
 #include <stdio.h>
 #include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "cli.hpp"
 #include "vesk_crypt.h"
@@ -92,9 +94,14 @@ int backup(int, char **argv)
     return cli::answer("/tmp/user.conf");
 }
 
+// The library puts whatever path names in place of the store, and always
+// answers 1: a file that cannot be read is refused here.
 int restore(int argc, char **argv)
 {
     int reboot;
+    struct stat st;
+    if (stat(argv[0], &st) != 0 || !S_ISREG(st.st_mode) || access(argv[0], R_OK) != 0)
+        return cli::refuse("%s is not a readable file", argv[0]);
     return flag_arg(argc, argv, 1, &reboot) ? cli::done(vesk_do_restore_config(argv[0], reboot), "the restore")
                                             : cli::kUsage;
 }

@@ -22,6 +22,9 @@ int cpu(int, char **)
     vesk_stat_cpu c = {};
     if (!vesk_stat_cpuloading(&c))
         return cli::miss("cannot read /proc/stat");
+    // A first line that is no "cpu" line leaves every count at 0.
+    if (!c.total)
+        return cli::miss("no processor ticks in /proc/stat");
     cli::record()
         .number_u("user", c.user)
         .number_u("nice", c.nice)

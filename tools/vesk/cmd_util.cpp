@@ -1,3 +1,4 @@
+#include <net/if.h>
 #include <string.h>
 
 #include "cli.hpp"
@@ -22,6 +23,9 @@ int random_num(int, char **) { return cli::number(vesk_util_generate_random_num(
 
 int random_seed(int argc, char **argv)
 {
+    // The library stirs in zeros for an interface it cannot read.
+    if (argc > 0 && !if_nametoindex(argv[0]))
+        return cli::refuse("no interface %s", argv[0]);
     return cli::done(vesk_util_generate_random_seed(argc > 0 ? argv[0] : nullptr) == 0, "stirring the pool");
 }
 

@@ -1,4 +1,5 @@
 #include <stdio.h>
+#include <string.h>
 
 #include "cli.hpp"
 #include "vesk_wan.h"
@@ -49,6 +50,9 @@ int to_list(int argc, char **argv)
     int count = 8;
     if (argc > 1 && !cli::parse_int(argv[1], &count, 1, kMaxEntries))
         return cli::kUsage;
+    // The library reads any other text as ports 0.
+    if (!argv[0][0] || strspn(argv[0], "0123456789,- ") != strlen(argv[0]))
+        return cli::refuse("%s is not a list of ports such as \"80, 1000-2000\"", argv[0]);
     unsigned short list[kMaxEntries];
     vesk_wan_port_ranger_string_to_list(argv[0], list, count);
     cli::list entries;

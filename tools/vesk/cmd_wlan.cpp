@@ -150,7 +150,7 @@ constexpr cli::command kCommands[] = {
      "ssid",
      1, survey},
     {"stations", "IFNAME", "associated stations: mac ssid signal rssi", 1, stations},
-    {"clients", "IFNAME", "number of associated stations", 1, clients},
+    {"clients", "IFNAME", "number of associated stations (0 also from a QCA radio that cannot be asked)", 1, clients},
     {"channels", "IFNAME", "the primary channel and the others in use", 1, channels},
     {"pin", "[lan|random|MAC]", "a WPS PIN of the board's MAC, a random one, or of MAC", 0, pin},
     {"wps", "IFNAME", "the driver's WPS status word", 1, wps},
