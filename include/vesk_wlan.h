@@ -252,6 +252,61 @@ VESK_API int vesk_check_Radio_onoff(unsigned char radio, int ssid_count);
  * mode, 1 access point (mode 0), 2 mode 3, 3 mode 4. */
 VESK_API int vesk_wlan_handle_ap_wds_mode(unsigned char radio);
 
+/* ---- QCA scan: security words ------------------------------------------ */
+
+/* Ciphers that one WPA or RSN element announced: 0 WEP, 1 none (or not yet
+ * set), 4 TKIP, 6 CCMP, 8 TKIP and CCMP, 10/11 WEP-40/104 as group cipher. */
+typedef struct vesk_cipher_set {
+    uint32_t pair_cipher;     /* highest pairwise cipher seen */
+    uint32_t pair_cipher_aux; /* the other one; 1 when there is just one */
+    uint32_t group_cipher;
+} vesk_cipher_set;
+
+/* The security state of a scanned cell. Authentication values: 0 OPEN,
+ * 1 SHARED, 2 AUTOWEP, 3 WPA, 4 WPAPSK, 5 WPANONE, 6 WPA2, 7 WPA2PSK,
+ * 8 WPA1WPA2, 9 WPA1PSKWPA2PSK. */
+typedef struct vesk_wlan_security {
+    uint8_t infrastructure; /* 0 for an ad hoc cell */
+    uint8_t privacy;        /* 1 when the driver reports encryption on */
+    uint32_t auth_mode_aux; /* second authentication value, 0 for none */
+    uint32_t auth_mode;     /* first authentication value, 0 for none */
+    uint32_t cipher;        /* cipher of a cell without WPA or RSN */
+    vesk_cipher_set wpa;
+    vesk_cipher_set rsn;
+} vesk_wlan_security;
+
+/* Resets sec for a new cell: no authentication, cipher 1 (none) without
+ * privacy and 0 (WEP) with it, every cipher of both sets 1. infrastructure
+ * and privacy stay. */
+VESK_API void init_security(vesk_wlan_security *sec);
+
+/* The word of a cipher value ("WEP", "NONE", "TKIP", "AES", "TKIPAES" or
+ * "UNKNOW") and of an authentication value ("OPEN" .. "WPA1PSKWPA2PSK",
+ * "UNKNOW"); constant texts. */
+VESK_API const char *ieee80211_get_enc_type(unsigned char value);
+VESK_API const char *ieee80211_get_auth_mode(unsigned char value);
+
+/* Writes the security text of sec into dst (at most 22 characters and the
+ * terminator): "NONE", "WEP", or authentication "/" cipher, such as
+ * "WPA2PSK/AES" or "WPA1PSKWPA2PSK/TKIPAES". */
+VESK_API void get_security_str(char *dst, const vesk_wlan_security *sec);
+
+/* ---- Wireless interface information --------------------------------------- */
+
+/* Runs "iwconfig IFNAME>/tmp/iwconfig_result.txt" and reads the tool's text
+ * (both its "=" and ":" forms) into info: link quality, levels, bit rate,
+ * access point, channel, frequency in MHz. Only fields the text names are
+ * written, so zero info first; isLevelinDbm is always set. 1 when the file
+ * could be read, 0 when it could not or ifname is null (with a message). */
+VESK_API int vesk_get_wlan_interface_info(const char *ifname, vesk_wlan_info *info);
+
+/* Prints info to standard output, a field a line; nothing for null. */
+VESK_API void vesk_dump_wlan_info(const vesk_wlan_info *info);
+
+/* Copies key into escaped (twice key's length plus 1) with a backslash before
+ * each of " \ ' ` & ( ) < > | ; and the space; null or empty key gives "". */
+VESK_API void vesk_check_wep_key_using_iwconfig(const char *key, char *escaped);
+
 VESK_END_DECLS
 
 #endif

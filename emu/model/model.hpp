@@ -110,6 +110,7 @@ answer mii(const request &r);            // SIOCGMIIPHY, SIOCGMIIREG
 // Parts of device_private.
 bool is_radio(const char *ifname);
 answer qca_stations(const request &r);
+answer qca_wext(const request &r); // range, scan trigger and results
 bool is_mii_port(const char *ifname, int *fixed_phy);
 answer mii_private(const request &r);
 answer bridge(const request &r);

@@ -194,7 +194,7 @@ answer radio_wext(const request &r)
         return no_driver(r);
     if (r.number == SIOCIWFIRSTPRIV + 1)
         return ralink_private(r);
-    return -EOPNOTSUPP;
+    return is_ralink(r.ifname) ? -EOPNOTSUPP : qca_wext(r);
 }
 
 answer qca_stations(const request &r)

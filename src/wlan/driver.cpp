@@ -12,6 +12,15 @@ static_assert(offsetof(iwreq, u.data.pointer) == IFNAMSIZ);
 static_assert(offsetof(iwreq, u.data.length) == IFNAMSIZ + sizeof(void *));
 static_assert(offsetof(iwreq, u.data.flags) == IFNAMSIZ + sizeof(void *) + 2);
 
+bool make_iwreq(iwreq &req, const char *ifname, void *buf, uint16_t length, uint16_t flags)
+{
+    memset(&req, 0, sizeof req);
+    req.u.data.pointer = buf;
+    req.u.data.length = length;
+    req.u.data.flags = flags;
+    return put_ifname(req.name, ifname);
+}
+
 bool driver_request(const char *ifname, unsigned long request, uint16_t flags, std::span<std::byte> buf,
                     uint16_t *answered)
 {
@@ -20,12 +29,8 @@ bool driver_request(const char *ifname, unsigned long request, uint16_t flags, s
         return false;
     }
     iwreq req;
-    memset(&req, 0, sizeof req);
-    if (!put_ifname(req.ifr_name, ifname))
+    if (!make_iwreq(req, ifname, buf.data(), static_cast<uint16_t>(buf.size()), flags))
         return false;
-    req.u.data.pointer = buf.data();
-    req.u.data.length = static_cast<uint16_t>(buf.size());
-    req.u.data.flags = flags;
     if (socket_ioctl(kInetDgram, request, &req) != ioctl_status::ok)
         return false;
     if (answered)

@@ -3,15 +3,14 @@
 // short-lived internet datagram socket.
 #pragma once
 
-// net/if.h before the kernel's headers, which then leave its definitions alone.
-#include <net/if.h>
-
 #include <linux/sockios.h>
-#include <linux/wireless.h>
+#include <net/if.h>
 #include <stdint.h>
 
 #include <cstddef>
 #include <span>
+
+#include "vesk_iw.h"
 
 namespace vesk::wlan {
 
@@ -29,6 +28,16 @@ inline constexpr uint16_t kRalinkWdsPeers = 0x0803;
 // The QCA driver's station list.
 inline constexpr unsigned long kQcaStations = SIOCDEVPRIVATE + 6;
 static_assert(kQcaStations == 0x89F6);
+
+// The kernel's iwreq: the interface name, then the request's data.
+struct iwreq {
+    char name[IFNAMSIZ];
+    iwreq_data u;
+};
+
+// Zeroes req and fills it for ifname with buf, length and flags; false (errno
+// EINVAL or ENAMETOOLONG) for a name no interface can carry.
+bool make_iwreq(iwreq &req, const char *ifname, void *buf, uint16_t length, uint16_t flags);
 
 // Issues request on ifname with buf as the data (its size as the length) and
 // flags. True when the driver answered; *answered then gets the length the
