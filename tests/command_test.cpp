@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "fake_sleep.hpp"
+#include "output_of.hpp"
 #include "vdev.hpp"
 #include "vesk_br.h"
 #include "vesk_crypt.h"
@@ -185,9 +186,7 @@ TEST_F(Command, RefusedWordsRunNothingAndSaySo)
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);
         vdev::clear_journal();
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(c.call(), c.result);
-        EXPECT_NE(testing::internal::GetCapturedStderr().find("argument"), std::string::npos);
+        EXPECT_NE(stderr_of([&] { EXPECT_EQ(c.call(), c.result); }).find("argument"), std::string::npos);
         EXPECT_EQ(vdev::commands(), lines{});
     }
     vdev::remove("-rf");

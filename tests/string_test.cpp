@@ -55,9 +55,7 @@ TEST(Text, RegMatchReleasesThePattern)
 
 std::string hexdump(unsigned int base, const void *data, unsigned int len)
 {
-    testing::internal::CaptureStdout();
-    vesk_dbg_hexdump(base, data, len);
-    return testing::internal::GetCapturedStdout();
+    return stdout_of([&] { vesk_dbg_hexdump(base, data, len); });
 }
 
 TEST(Text, HexdumpLines)
