@@ -146,7 +146,7 @@ TEST(FwHeader, DecodeAsksTheHeaderTool)
     // Now without a header it fails.
     out = stderr_of([] { EXPECT_EQ(vesk_decode_firmware("/tmp/img"), 0); });
     EXPECT_TRUE(out.ends_with("FAIL!!\n")) << out;
-    stderr_of([] { EXPECT_EQ(vesk_decode_firmware(nullptr), 0); });
+    EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_decode_firmware(nullptr), 0); }), "vesk_decode_firmware: path is NULL!\n");
 }
 
 TEST(FwHeader, BootVersionFromFileElseBoard)

@@ -132,7 +132,7 @@ TEST(Text, LastPathComponent)
     const struct {
         const char *path, *nostrip, *strip, *stripped; // stripped: the caller's string afterwards
     } cases[] = {{"/", "/", "/", "/"},       {"a/", "", "a", "a"},       {"/a/b", "b", "b", "/a/b"},
-                 {"/a/b//", "", "b", "/a/b"}, {"///", "", "/", "/"},      {"name", "name", "name", "name"},
+                 {"/a/b//", "", "b", "/a/b"}, {"///", "", "/", "/"},      {"name", "name", "name", "name"}, {"/a", "a", "a", "/a"},
                  {"", "", "", ""}};
     for (const auto &c : cases) {
         SCOPED_TRACE(c.path);
