@@ -13,6 +13,8 @@ RATIOS = [
     ("vendor look-up / std::lower_bound (time)", "BM_OuiVesk", "BM_OuiLowerBound", 1 / 1.5),
     ("vendor look-up / std::unordered_map (time)", "BM_OuiVesk", "BM_OuiUnorderedMap", None),
     ("30 product getters, row chosen / no row", "BM_ProductPageChosenRow", "BM_ProductPageNoRow", None),
+    ("ra0 survey from its file / from the driver", "BM_SurveyFromFile", "BM_SurveyByDriver", None),
+    ("client count, Ralink (iwpriv) / QCA (driver request)", "BM_ClientsRalink", "BM_ClientsQca", None),
 ]
 # (what, benchmark, goal): the benchmark's own "ratio" counter, ours / theirs
 # measured call by call in alternation.

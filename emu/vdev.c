@@ -319,7 +319,31 @@ struct device {
     const char *emu, *scenario, *cwd;
     char *keep[MAX_KEEP];
     int nkeep;
+    int pid_links;
 };
+
+/* LeakSanitizer reads /proc/PID/task of the process it checks. /proc/1 (the
+ * command) is always there; with --pid-links the device's process numbers
+ * stay below kPidLinks and each has its link. */
+enum { kPidLinks = 1024 };
+static void proc_pid_links(int all)
+{
+    link_to("/run/vdev/realproc/1", NR "/proc", "1");
+    if (!all)
+        return;
+    int fd = open(V "/realproc/sys/kernel/pid_max", O_WRONLY | O_CLOEXEC);
+    int capped = fd >= 0 && write(fd, "1024", 4) == 4;
+    if (fd >= 0)
+        close(fd);
+    if (!capped)
+        return; /* a kernel without its own limit a namespace: links would not cover every process */
+    for (int pid = 2; pid <= kPidLinks; pid++) {
+        char target[64], name[16];
+        snprintf(target, sizeof target, "/run/vdev/realproc/%d", pid);
+        snprintf(name, sizeof name, "%d", pid);
+        link_to(target, NR "/proc", name);
+    }
+}
 
 static int is_device_dir(const char *path)
 {
@@ -349,10 +373,13 @@ static void build_device(const struct device *d)
     make_dirs(V "/ovl/etc/work", 0755);
     make_dirs(V "/ovl/sbin/up", 0755);
     make_dirs(V "/ovl/sbin/work", 0755);
-    do_mount("/proc", V "/realproc", NULL, MS_BIND | MS_REC, NULL);
+    /* The PID namespace's own procfs: /proc/self and /proc/1 are the device's. */
+    if (mount("vdev-proc", V "/realproc", "proc", 0, NULL) != 0)
+        do_mount("/proc", V "/realproc", NULL, MS_BIND | MS_REC, NULL);
     do_mount("vdev-etc", NR "/etc", "overlay", 0, "lowerdir=/etc,upperdir=" V "/ovl/etc/up,workdir=" V "/ovl/etc/work");
 
     each_entry("/proc", proc_entry, NULL);
+    proc_pid_links(d->pid_links);
     make_dir(NR "/proc/net", 0755);
     each_entry("/proc/self/net", proc_net_entry, NULL);
 
@@ -477,6 +504,8 @@ int main(int argc, char **argv)
             if (d.nkeep >= MAX_KEEP - 3)
                 fail("too many --keep");
             d.keep[d.nkeep++] = resolved(argv[++i]);
+        } else if (strcmp(argv[i], "--pid-links") == 0) {
+            d.pid_links = 1;
         } else if (strcmp(argv[i], "--") == 0) {
             i++;
             break;

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/stat.h>
 
 #include <string>
@@ -109,6 +110,15 @@ TEST(Crypt, FailingToolLeavesKeyFileWithTheKeyBytes)
     EXPECT_EQ(vdev::commands(), (std::vector<std::string>{"rm -rf /tmp/out", "rm -rf /var/vesk_crypt_key_file",
                                                           "lockwrap /var/vesk_crypt_key_file e /tmp/in /tmp/out",
                                                           "rm -rf /var/vesk_crypt_key_file"}));
+}
+
+TEST(Crypt, BadInputIsKeptWhenTheCallerIgnoresSigchld)
+{
+    vdev::put("/tmp/enc", "not an encrypted file");
+    signal(SIGCHLD, SIG_IGN); // as daemons do: the kernel reaps children itself
+    stderr_of([] { EXPECT_EQ(vesk_crypt_dec_file("/tmp/enc", "k", "/tmp/dec", 0), 0); });
+    EXPECT_EQ(signal(SIGCHLD, SIG_DFL), SIG_IGN); // the caller's setting is back
+    EXPECT_EQ(vdev::read("/tmp/enc"), "not an encrypted file");
 }
 
 } // namespace

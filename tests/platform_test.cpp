@@ -1,5 +1,8 @@
 // The stand-in platform: commands, small file queries and the store.
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <time.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -47,6 +50,15 @@ TEST(Sysinteract, CapturesOutputAndTellsHowTheCommandEnded)
     EXPECT_LT(sysinteract(buf, -1, "echo x"), 0);
     EXPECT_LT(sysinteract(buf, 4, nullptr), 0);
     EXPECT_STREQ(buf, "abc");
+}
+
+TEST(Cmd, StatusIsKeptWhenTheCallerIgnoresSigchld)
+{
+    signal(SIGCHLD, SIG_IGN);
+    EXPECT_EQ(CMD("exit 4"), 4);
+    char buf[8];
+    EXPECT_EQ(sysinteract(buf, sizeof buf, "echo x; exit 3"), 0);
+    EXPECT_EQ(signal(SIGCHLD, SIG_DFL), SIG_IGN);
 }
 
 TEST(Cmd, RunsThroughTheShellAndGivesTheStatus)
@@ -184,7 +196,8 @@ TEST(Quil, CorruptLinesReadAsUnsetAndAFailedWriteKeepsTheFile)
     EXPECT_EQ(quil_get_int_value("schedule_en"), 1);
 
     std::string before = vdev::read(QUIL_DAT_FILE);
-    ASSERT_EQ(mkdir(QUIL_DAT_FILE ".tmp", 0755), 0); // the temporary cannot be made
+    vdev::remove(QUIL_DAT_FILE ".lock");
+    ASSERT_EQ(mkdir(QUIL_DAT_FILE ".lock", 0755), 0); // the lock cannot be taken
     v = 4;
     EXPECT_EQ(quil_set_value(&v, "schedule_en"), -1);
     EXPECT_EQ(vdev::read(QUIL_DAT_FILE), before);
@@ -205,6 +218,79 @@ TEST(Quil, TokenCarriesMatchingKeysIntoTheNewFile)
     vdev::remove(QUIL_DAT_FILE);
     quil_update_dat_file();
     EXPECT_TRUE(vdev::exists(QUIL_DAT_FILE));
+}
+
+TEST(Quil, TextValuesOutOfRangeAreRefused)
+{
+    const struct {
+        const char *key, *text;
+        int result;
+    } cases[] = {
+        {"radio_opmode_1", "4294967297", -1}, {"radio_opmode_1", "2147483648", -1}, {"radio_opmode_1", "", -1},
+        {"radio_opmode_1", "7x", -1}, {"timedaylight", "1+1-10000000000000", -1}, {"timedaylight", "0a", -1},
+        {"radio_opmode_1", "-2147483648", 0}, {"timedaylight", "0102030405060708ff", 0}, {"no_key", "1", -1},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(std::string(c.key) + "=" + c.text);
+        vdev::remove(QUIL_DAT_FILE);
+        EXPECT_EQ(quil_set_text(c.key, c.text), c.result);
+        std::string file = vdev::read(QUIL_DAT_FILE);
+        EXPECT_EQ(file, c.result ? "" : std::string(c.key) + "=" + c.text + "\n");
+    }
+}
+
+TEST(Quil, KilledWritersLeaveTheOldOrTheNewValue)
+{
+    const unsigned char rec[9] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
+    ASSERT_EQ(quil_set_value(rec, "timedaylight"), 0);
+    int old = 0;
+    ASSERT_EQ(quil_set_value(&old, "radio_opmode_1"), 0);
+    unsigned int seed = 14;
+    for (int i = 1; i <= 1000; i++) {
+        pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0)
+            _exit(quil_set_value(&i, "radio_opmode_1") ? 1 : 0);
+        struct timespec pause = {0, static_cast<long>(rand_r(&seed) % 500) * 1000};
+        nanosleep(&pause, nullptr);
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        int now = quil_get_int_value("radio_opmode_1");
+        ASSERT_TRUE(now == old || now == i) << "after writer " << i << ": " << now;
+        ASSERT_EQ(vdev::read(QUIL_DAT_FILE), "timedaylight=010203040506070809\nradio_opmode_1=" + std::to_string(now) + "\n");
+        old = now;
+    }
+    // The next write clears the temporaries of killed writers.
+    ASSERT_EQ(quil_set_value(&old, "radio_opmode_1"), 0);
+    EXPECT_EQ(vdev::sh("test \"$(ls /storage)\" = \"$(printf 'quil.dat\\nquil.dat.lock')\""), 0);
+}
+
+TEST(Quil, TwoWritersAtOnceLoseNoRecord)
+{
+    constexpr int kWrites = 200;
+    auto writer = [](const char *format) {
+        pid_t pid = fork();
+        if (pid == 0) {
+            for (int i = 1; i <= kWrites; i++) {
+                char key[32];
+                snprintf(key, sizeof key, format, i);
+                if (quil_set_value(&i, key) != 0)
+                    _exit(1);
+            }
+            _exit(0);
+        }
+        return pid;
+    };
+    pid_t a = writer("radio_opmode_%d"), b = writer("wl1%dhidessid");
+    for (pid_t pid : {a, b}) {
+        int status = -1;
+        ASSERT_EQ(waitpid(pid, &status, 0), pid);
+        EXPECT_EQ(status, 0);
+    }
+    for (int i = 1; i <= kWrites; i++) {
+        ASSERT_EQ(quil_get_int_value("radio_opmode_%d", i), i);
+        ASSERT_EQ(quil_get_int_value("wl1%dhidessid", i), i);
+    }
 }
 
 } // namespace

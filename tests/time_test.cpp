@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cmath>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -75,9 +76,12 @@ TEST(Clock, MonotonicTimeLiesBetweenTwoReadingsOfTheClock)
 
 TEST(Clock, SubtractionBorrowsOneSecondAtMost)
 {
+    constexpr time_t kMaxTime = std::numeric_limits<time_t>::max(), kMinTime = std::numeric_limits<time_t>::min();
     const struct { struct timeval val, sub, diff; } cases[] = {
         {{5, 100}, {2, 200}, {2, 999900}}, {{5, 300}, {2, 200}, {3, 100}}, {{5, 200}, {2, 200}, {3, 0}},
         {{2, 0}, {5, 1}, {-4, 999999}}, // earlier than sub: negative seconds
+        // Beyond the range: wraps around instead of overflowing.
+        {{kMaxTime, 0}, {-1, 0}, {kMinTime, 0}}, {{kMinTime, 0}, {0, 1}, {kMaxTime, 999999}},
     };
     for (const auto &c : cases) {
         struct timeval val = c.val;

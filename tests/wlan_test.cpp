@@ -49,6 +49,18 @@ TEST(WlanSurvey, FileFillsNoMoreThanTheBuffer)
     EXPECT_TRUE(vdev::ioctls().empty());
 }
 
+TEST(WlanSurvey, LineMissingALabelLeavesTheLaterFieldsEmpty)
+{
+    // Found by fuzzing: the field after a missing label was copied from no data.
+    vdev::put("/tmp/survey/ch_6.txt", "uptime: 1000\r\n{Ch:6, SSID:Cafe, BSSID:02:AA:00:00:00:01, Sec:NONE, "
+                                      "RSSI:81, dbm:-52, Ex_ch:ABO Type:11b/g}\r\n");
+    vdev::put("/proc/uptime", "1030.99 2000.00\n");
+    auto buf = survey_buffer(VESK_SURVEY_RECORDS_QCA, 6);
+    EXPECT_EQ(vesk_wlan_get_site_survey("ath0", buf.data(), 30), 0);
+    EXPECT_STREQ(buf[0].ssid, "Cafe");
+    EXPECT_STREQ(buf[0].wireless_type, "");
+}
+
 constexpr char kLab[] = "bssid=02:AA:00:00:00:01 channel=36 ssid=\"Lab, 5G\" security=WPA2PSK/AES rssi=81 type=11a/n "
                        "ext=ABOVE dbm=-52\n"
                        "bssid=02:AA:00:00:00:02 channel=40 ssid=Other security=NONE rssi=20 type=11ac ext=NONE dbm=-90\n"

@@ -86,16 +86,14 @@ answer device_private(const request &r)
 
 } // namespace vdev_model
 
-extern "C" __attribute__((visibility("default"))) int ioctl(int fd, unsigned long number, ...) __THROW
+namespace {
+
+int model_or_kernel(int fd, unsigned long number, void *arg, vdev_model::ioctl_fn next)
 {
-    va_list ap;
-    va_start(ap, number);
-    void *arg = va_arg(ap, void *);
-    va_end(ap);
     using namespace vdev_model;
     const route *to = arg && inside_device() ? route_of(number) : nullptr;
     if (!to)
-        return real_ioctl(fd, number, arg);
+        return next ? next(fd, number, arg) : real_ioctl(fd, number, arg);
     // Every request routed here starts with the interface's name.
     request r{fd, number, arg, {}};
     memcpy(r.ifname, arg, kNameSize - 1);
@@ -105,3 +103,28 @@ extern "C" __attribute__((visibility("default"))) int ioctl(int fd, unsigned lon
     errno = -a;
     return -1;
 }
+
+} // namespace
+
+extern "C" __attribute__((visibility("default"))) int ioctl(int fd, unsigned long number, ...) __THROW
+{
+    va_list ap;
+    va_start(ap, number);
+    void *arg = va_arg(ap, void *);
+    va_end(ap);
+    return model_or_kernel(fd, number, arg, nullptr);
+}
+
+#if defined(__USE_TIME_BITS64) && __TIMESIZE == 32
+// A 32-bit program built with 64-bit time calls the C library's ioctl by
+// this name; the requests are the same.
+extern "C" __attribute__((visibility("default"))) int __ioctl_time64(int fd, unsigned long number, ...) __THROW
+{
+    va_list ap;
+    va_start(ap, number);
+    void *arg = va_arg(ap, void *);
+    va_end(ap);
+    static const auto next = reinterpret_cast<vdev_model::ioctl_fn>(dlsym(RTLD_NEXT, "__ioctl_time64"));
+    return model_or_kernel(fd, number, arg, next);
+}
+#endif

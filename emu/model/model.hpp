@@ -64,12 +64,16 @@ inline bool plain_name(const char *name) { return name[0] && name[0] != '.' && !
 template <typename F> void each_line(std::string_view text, F &&visit)
 {
     while (!text.empty()) {
+        // remove_prefix, not substr: substr may throw, and the stand-in
+        // links without libstdc++ as the device's libraries do.
         size_t end = text.find('\n');
-        std::string_view line = text.substr(0, end);
-        text = end == std::string_view::npos ? std::string_view{} : text.substr(end + 1);
+        std::string_view line(text.data(), end < text.size() ? end : text.size());
+        text.remove_prefix(end < text.size() ? end + 1 : text.size());
         size_t first = line.find_first_not_of(" \t\r");
-        if (first != std::string_view::npos && line[first] != '#')
-            visit(line.substr(first));
+        if (first != std::string_view::npos && line[first] != '#') {
+            line.remove_prefix(first);
+            visit(line);
+        }
     }
 }
 

@@ -160,7 +160,7 @@ bool next_field(std::string_view &line, field &f)
         return false;
     line.remove_prefix(start);
     size_t eq = line.find_first_of("= \t\r");
-    f.key = line.substr(0, eq);
+    f.key = std::string_view(line.data(), eq < line.size() ? eq : line.size());
     line.remove_prefix(eq == std::string_view::npos ? line.size() : eq);
     f.len = 0;
     if (line.empty() || line[0] != '=') {

@@ -36,6 +36,11 @@ SYSAPI_EXPORT void quil_save_new_file_by_token(const char *token);
  * (4 for a number) and whether it is a number; 0 for an unknown key. */
 SYSAPI_EXPORT int quil_key_info(const char *key, int *is_number);
 
+/* Stand-in extension for the quil tool: stores a value given as text, a
+ * number in decimal (32 bits) or a record in hex, two digits a byte, as the
+ * file holds them. Returns 0, or -1 for an unknown key or a bad text. */
+SYSAPI_EXPORT int quil_set_text(const char *key, const char *text);
+
 #ifdef __cplusplus
 }
 #endif

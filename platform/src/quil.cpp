@@ -2,14 +2,22 @@
 //
 // /storage/quil.dat holds one setting a line, "key=value": a number in
 // decimal, a record as exactly two lower-case hex digits a byte. Every
-// write replaces the file through a flushed temporary and rename(), so a
-// failed write leaves the previous settings whole.
+// write replaces the file through a flushed temporary of its own and
+// rename(), so a failed or killed write leaves the previous settings whole;
+// a lock on "<file>.lock" makes each read-modify-write whole, so that two
+// programs writing at once lose nothing.
 #include "quil.h"
 
+#include <dirent.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <limits.h>
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <string_view>
@@ -18,6 +26,8 @@
 
 namespace {
 
+using vesk::unique_dir;
+using vesk::unique_fd;
 using vesk::unique_file;
 
 struct key_spec {
@@ -107,8 +117,9 @@ bool parse_value(const key_spec &k, std::string_view text, unsigned char *out)
         memcpy(num, text.data(), text.size());
         num[text.size()] = '\0';
         char *end;
+        errno = 0;
         long v = strtol(num, &end, 10);
-        if (*end)
+        if (*end || end == num || errno || v < INT_MIN || v > INT_MAX)
             return false;
         int iv = static_cast<int>(v);
         memcpy(out, &iv, sizeof iv);
@@ -177,17 +188,52 @@ bool lookup(const char *path, const char *key, const key_spec &k, unsigned char 
     return false;
 }
 
+// Removes the temporaries that killed writers left beside path. Called
+// with the lock held, when no other writer has one open.
+void sweep_temporaries(const char *path)
+{
+    const char *slash = strrchr(path, '/');
+    std::string_view dir(path, static_cast<size_t>(slash - path)), base(slash + 1);
+    char dirname[256];
+    if (dir.size() >= sizeof dirname)
+        return;
+    memcpy(dirname, dir.data(), dir.size());
+    dirname[dir.size()] = '\0';
+    unique_dir d(opendir(dirname));
+    while (dirent *e = d ? readdir(d.get()) : nullptr) {
+        std::string_view name(e->d_name);
+        if (name.size() == base.size() + 10 && name.starts_with(base) &&
+            std::string_view(name.data() + base.size(), 4) == ".tmp")
+            unlinkat(dirfd(d.get()), e->d_name, 0);
+    }
+}
+
 // Rewrites path: the old lines that keep() accepts, then what append()
 // writes. The new file replaces the old one only once it is on disk.
 template <typename Keep, typename Append>
 bool rewrite(const char *path, Keep keep, Append append)
 {
-    char tmp[256];
-    if (snprintf(tmp, sizeof tmp, "%s.tmp", path) >= static_cast<int>(sizeof tmp))
+    char lock_path[256], tmp[256];
+    if (snprintf(lock_path, sizeof lock_path, "%s.lock", path) >= static_cast<int>(sizeof lock_path) ||
+        snprintf(tmp, sizeof tmp, "%s.tmpXXXXXX", path) >= static_cast<int>(sizeof tmp))
         return false;
-    unique_file out = vesk::open_file(tmp, "w");
-    if (!out)
+    unique_fd lock(open(lock_path, O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    while (lock && flock(lock.get(), LOCK_EX) != 0)
+        if (errno != EINTR)
+            return false;
+    if (!lock)
         return false;
+    sweep_temporaries(path);
+    unique_fd fd(mkostemp(tmp, O_CLOEXEC));
+    if (!fd)
+        return false;
+    fchmod(fd.get(), 0644); // as readable as a file made with fopen
+    unique_file out(fdopen(fd.get(), "w"));
+    if (!out) {
+        unlink(tmp);
+        return false;
+    }
+    fd.release();
     if (unique_file in = vesk::open_file(path, "r")) {
         char line[kLineMax];
         while (read_line(in.get(), line))
@@ -216,6 +262,15 @@ int quil_key_info(const char *key, int *is_number)
     if (is_number)
         *is_number = k->size == 0;
     return value_size(*k);
+}
+
+int quil_set_text(const char *key, const char *text)
+{
+    const key_spec *k = find_spec(key);
+    unsigned char value[kMaxRecord];
+    if (!k || !text || !parse_value(*k, text, value))
+        return -1;
+    return quil_set_value(value, key);
 }
 
 int quil_get_value(void *dest, const char *key_format, ...)

@@ -2,18 +2,22 @@
 //   quil get KEY          number in decimal, record in hex
 //   quil set KEY VALUE    the same forms
 //   quil list             the store's file as it stands
+//   quil --host set ...   write the store outside a device as well
+// Exit status: 0 done, 1 no value, a value the key does not take or a failed
+// write, 2 usage, an unknown key or refused.
 #include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
 
+#include "host_guard.hpp"
 #include "quil.h"
 
 namespace {
 
 int usage()
 {
-    fputs("usage: quil get KEY | quil set KEY VALUE | quil list\n"
-          "  numbers are decimal, records are hex (two digits a byte)\n",
+    fputs("usage: quil get KEY | quil [--host] set KEY VALUE | quil list\n"
+          "  numbers are decimal, records are hex (two digits a byte)\n"
+          "  set writes /storage only inside a device, or with --host (or VESK_HOST=1)\n",
           stderr);
     return 2;
 }
@@ -32,7 +36,7 @@ int get(const char *key)
     int is_number = 0;
     int size = key_size(key, &is_number);
     if (!size)
-        return 1;
+        return 2;
     unsigned char value[128] = {};
     if (!quil_get_value(value, "%s", key))
         return 1;
@@ -53,31 +57,15 @@ int set(const char *key, const char *text)
     int is_number = 0;
     int size = key_size(key, &is_number);
     if (!size)
-        return 1;
-    unsigned char value[128] = {};
-    if (is_number) {
-        char *end;
-        int v = static_cast<int>(strtol(text, &end, 0));
-        if (*end || end == text) {
-            fprintf(stderr, "quil: %s takes a number\n", key);
-            return 1;
-        }
-        memcpy(value, &v, sizeof v);
-    } else {
-        if (strlen(text) != 2 * static_cast<size_t>(size)) {
+        return 2;
+    if (quil_set_text(key, text) != 0) {
+        if (is_number)
+            fprintf(stderr, "quil: %s takes a 32-bit decimal number\n", key);
+        else
             fprintf(stderr, "quil: %s takes %d bytes in hex\n", key, size);
-            return 1;
-        }
-        for (int i = 0; i < size; i++) {
-            unsigned int byte;
-            if (sscanf(text + 2 * i, "%2x", &byte) != 1) {
-                fprintf(stderr, "quil: bad hex in %s\n", text);
-                return 1;
-            }
-            value[i] = static_cast<unsigned char>(byte);
-        }
+        return 1;
     }
-    return quil_set_value(value, key) == 0 ? 0 : 1;
+    return 0;
 }
 
 int list()
@@ -96,6 +84,14 @@ int list()
 
 int main(int argc, char **argv)
 {
+    const bool host = argc > 1 && !strcmp(argv[1], "--host");
+    argc -= host, argv += host;
+    if (argc == 4 && !strcmp(argv[1], "set") && !vesk_tool::may_change(host)) {
+        fputs("quil: refused outside an emulated device, as set would change this host's /storage; "
+              "give --host or VESK_HOST=1 to mean this host\n",
+              stderr);
+        return 2;
+    }
     if (argc == 3 && !strcmp(argv[1], "get"))
         return get(argv[2]);
     if (argc == 4 && !strcmp(argv[1], "set"))

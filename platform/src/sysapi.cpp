@@ -210,8 +210,7 @@ pid_t start_command(int out_fd, const char *format, va_list ap)
     return spawn_line(static_cast<const char *>(line.get()), out_fd, &child) == 0 ? child : -1;
 }
 
-// Waits for the child. Returns its wait status; -1 when it cannot be had
-// (SIGCHLD ignored by the caller reaps the child itself).
+// Waits for the child. Returns its wait status, or -1 when it cannot be had.
 int wait_child(pid_t child)
 {
     int status = 0;
@@ -221,6 +220,35 @@ int wait_child(pid_t child)
     }
     return status;
 }
+
+// While a command runs, a caller's SIGCHLD that is ignored (daemons often
+// ignore it) becomes the default action: otherwise the kernel reaps the
+// child and its exit status is lost. The caller's action comes back after.
+class child_status_kept {
+public:
+    child_status_kept()
+    {
+        sigaction(SIGCHLD, nullptr, &saved_);
+        changed_ = saved_.sa_handler == SIG_IGN || (saved_.sa_flags & SA_NOCLDWAIT);
+        if (changed_) {
+            struct sigaction dfl = {};
+            dfl.sa_handler = SIG_DFL;
+            sigemptyset(&dfl.sa_mask);
+            sigaction(SIGCHLD, &dfl, nullptr);
+        }
+    }
+    ~child_status_kept()
+    {
+        if (changed_)
+            sigaction(SIGCHLD, &saved_, nullptr);
+    }
+    child_status_kept(const child_status_kept &) = delete;
+    child_status_kept &operator=(const child_status_kept &) = delete;
+
+private:
+    struct sigaction saved_ = {};
+    bool changed_ = false;
+};
 
 int exit_code(int status)
 {
@@ -237,6 +265,7 @@ extern "C" {
 
 int CMD(const char *format, ...)
 {
+    child_status_kept keep;
     va_list ap;
     va_start(ap, format);
     pid_t child = start_command(-1, format, ap);
@@ -244,7 +273,7 @@ int CMD(const char *format, ...)
     if (child < 0)
         return kCouldNotRun;
     int status = wait_child(child);
-    return status < 0 ? 0 : exit_code(status);
+    return status < 0 ? kCouldNotRun : exit_code(status);
 }
 
 int sysinteract(char *buf, int size, const char *format, ...)
@@ -255,6 +284,7 @@ int sysinteract(char *buf, int size, const char *format, ...)
     if (pipe2(fds, O_CLOEXEC) != 0)
         return kCouldNotRun;
     unique_fd rd(fds[0]), wr(fds[1]);
+    child_status_kept keep;
     va_list ap;
     va_start(ap, format);
     pid_t child = start_command(wr.get(), format, ap);
@@ -281,7 +311,7 @@ int sysinteract(char *buf, int size, const char *format, ...)
 
     int status = wait_child(child);
     if (status < 0)
-        return 1; // reaped elsewhere: it ran, its status is unknown
+        return kCouldNotRun;
     if (WIFEXITED(status) && (WEXITSTATUS(status) == 126 || WEXITSTATUS(status) == 127))
         return kCouldNotRun; // no such command, or it could not be executed
     return (WIFEXITED(status) && WEXITSTATUS(status) == 0) ? 1 : 0;

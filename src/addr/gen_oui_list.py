@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Turns the IEEE OUI registry listing (Debian's ieee-data oui.txt) into the
+"""Turns the IEEE OUI registry listing (Debian's ieee-data oui.txt, or the
+copy of its "(hex)" rows pinned as src/addr/oui-DATE.txt) into the
 constant vendor table vesk_oui_list.
 
     gen_oui_list.py LISTING OUTDIR

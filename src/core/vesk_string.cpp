@@ -21,6 +21,12 @@ char itoa_buffer[32];
 
 constexpr unsigned int kHexdumpWidth = 16;
 
+// PCRE's matcher recurses, about half a kilobyte of stack a level: without
+// a bound a long text (a web form's field) overflows the stack. A thousand
+// levels fit a small thread's stack and cover fields of the usual lengths;
+// beyond that the text does not match.
+constexpr unsigned long kMatchRecursionLimit = 1000;
+
 constexpr char ascii_lower(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
 
 } // namespace
@@ -42,7 +48,10 @@ int vesk_reg_match(const char *pattern, const char *text)
     }
     vesk::unique_heap owner(re); // PCRE allocates with the plain malloc
     int ovector[30];
-    int rc = pcre_exec(re, nullptr, text, static_cast<int>(strlen(text)), 0, 0, ovector, 30);
+    pcre_extra limits = {};
+    limits.flags = PCRE_EXTRA_MATCH_LIMIT_RECURSION;
+    limits.match_limit_recursion = kMatchRecursionLimit;
+    int rc = pcre_exec(re, &limits, text, static_cast<int>(strlen(text)), 0, 0, ovector, 30);
     // 0 only says the offset vector was too small: still a match.
     return rc >= 0 ? 1 : 0;
 }

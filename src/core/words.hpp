@@ -28,7 +28,8 @@ template <size_t N> void put_text(char (&field)[N], std::string_view text)
 {
     static_assert(N > 0);
     size_t len = text.size() < N - 1 ? text.size() : N - 1;
-    memcpy(field, text.data(), len);
+    if (len) // an empty view may have no data at all
+        memcpy(field, text.data(), len);
     field[len] = '\0';
 }
 

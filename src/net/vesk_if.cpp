@@ -201,10 +201,9 @@ int vesk_if_set_lan_state(const char *ifname, int state)
 int vesk_net_set_hostname(const char *hostname)
 {
     static constexpr char kFallback[] = "localhost.localdomain";
-    if (!hostname || !*hostname)
-        sethostname(kFallback, sizeof kFallback - 1);
-    else
-        sethostname(hostname, strlen(hostname));
+    // The kernel's name is set as far as it goes; the result is the file's.
+    const char *name = hostname && *hostname ? hostname : kFallback;
+    [[maybe_unused]] const int kernel = sethostname(name, strlen(name));
     // The fallback is the kernel's only: the file gets an empty line.
     if (!hostname || !*hostname)
         return vesk::cmd::run(__func__, "echo  > /etc/hostname");

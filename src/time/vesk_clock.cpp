@@ -6,11 +6,19 @@
 #include <string.h>
 
 #include <array>
+#include <type_traits>
 
 #include "core/unique.hpp"
 #include "sysapi.h"
 
 namespace {
+
+// a - b modulo the width of T.
+template <typename T> T wrapping_sub(T a, T b)
+{
+    using U = std::make_unsigned_t<T>;
+    return static_cast<T>(static_cast<U>(static_cast<U>(a) - static_cast<U>(b)));
+}
 
 constexpr size_t kTimeStrBufferSize = 20;
 constexpr size_t kTimeStrCapacity = 19; // one byte short: the full form needs a caller's buffer
@@ -69,12 +77,13 @@ struct timeval *vesk_time_tv_sub(const struct timeval *sub, struct timeval *val)
 {
     if (!sub || !val)
         return val;
-    val->tv_sec -= sub->tv_sec;
+    // Two's complement wrap-around instead of signed overflow at the ends.
+    val->tv_sec = wrapping_sub(val->tv_sec, sub->tv_sec);
     if (val->tv_usec < sub->tv_usec) {
-        val->tv_sec -= 1;
-        val->tv_usec += 1000000;
+        val->tv_sec = wrapping_sub(val->tv_sec, decltype(val->tv_sec){1});
+        val->tv_usec = wrapping_sub(val->tv_usec, decltype(val->tv_usec){-1000000});
     }
-    val->tv_usec -= sub->tv_usec;
+    val->tv_usec = wrapping_sub(val->tv_usec, sub->tv_usec);
     return val;
 }
 

@@ -177,7 +177,7 @@ int run_survey(const char *func, const char *ifname, vesk_site_survey_record *re
                scan_fn scan)
 {
     if (!ifname || !records) {
-        T_PRINTF("Err: %s, dev_name is NULL!\n", func);
+        T_PRINTF(ifname ? "%s: input error!\n" : "Err: %s, dev_name is NULL!\n", func);
         return -1;
     }
     const std::span<vesk_site_survey_record> buffer(records, survey_capacity(ifname));

@@ -11,11 +11,7 @@ bool target(int argc, char **argv, const char **ifname, int *phy)
 {
     *ifname = argc > 0 ? argv[0] : "eth2";
     *phy = 1;
-    if (argc > 1 && !cli::parse_int(argv[1], phy)) {
-        fprintf(stderr, "vesk phy: %s is no PHY address\n", argv[1]);
-        return false;
-    }
-    return true;
+    return argc < 2 || cli::parse_int(argv[1], phy, 0, 31);
 }
 
 int link(int argc, char **argv)
@@ -23,11 +19,10 @@ int link(int argc, char **argv)
     const char *ifname;
     int phy, up = 0;
     if (!target(argc, argv, &ifname, &phy))
-        return 2;
+        return cli::kUsage;
     if (!vesk_mii_check_link_ex(ifname, &up, 1, phy))
-        return 1;
-    puts(up ? "up" : "down");
-    return 0;
+        return cli::miss("no link state for %s", ifname);
+    return cli::text(up ? "up" : "down");
 }
 
 int speed(int argc, char **argv)
@@ -36,19 +31,22 @@ int speed(int argc, char **argv)
     int phy;
     unsigned int code = 0;
     if (!target(argc, argv, &ifname, &phy))
-        return 2;
+        return cli::kUsage;
     if (!vesk_mii_get_link_partner_speed_ex(ifname, &code, phy))
-        return 1;
-    static constexpr struct { unsigned int code; const char *text; } kCodes[] = {
+        return cli::miss("no abilities read from %s", ifname);
+    static constexpr struct {
+        unsigned int code;
+        const char *text;
+    } kCodes[] = {
         {VESK_MII_1000_FULL, "1000 full"}, {VESK_MII_1000_HALF, "1000 half"}, {VESK_MII_100_FULL, "100 full"},
         {VESK_MII_100_HALF, "100 half"},   {VESK_MII_10_FULL, "10 full"},     {VESK_MII_10_HALF, "10 half"},
     };
-    const char *text = "none in common";
+    const char *text = "none";
     for (const auto &c : kCodes)
         if (code == c.code)
             text = c.text;
-    printf("0x%x %s\n", code, text);
-    return 0;
+    cli::record().number_u("code", code).text("mode", text);
+    return cli::kAnswer;
 }
 
 int partner(int argc, char **argv)
@@ -57,24 +55,24 @@ int partner(int argc, char **argv)
     int phy;
     unsigned int abilities = 0, full = 0;
     if (!target(argc, argv, &ifname, &phy))
-        return 2;
+        return cli::kUsage;
     if (!vesk_mii_get_link_partner_info(ifname, &abilities, &full, phy))
-        return 1;
-    printf("abilities 0x%x full_duplex %u\n", abilities, full);
-    return 0;
+        return cli::miss("no abilities read from %s", ifname);
+    // The duplex word keeps the caller's value when no ability bit is set.
+    cli::record().number_u("abilities", abilities).number_u("full_duplex", full);
+    return cli::kAnswer;
 }
 
-// PORT VALUE for the setters; VALUE "on"/"off" or a number.
-template <int (*Set)(int, int)> int set(int, char **argv)
+// PORT VALUE for the setters: VALUE is on/off, or a mode up to Max (the
+// library writes another mode as 0 or not at all).
+template <int (*Set)(int, int), int Max> int set(int, char **argv)
 {
-    int port, value = !strcmp(argv[1], "on");
-    if (!cli::parse_int(argv[0], &port) || (strcmp(argv[1], "on") && strcmp(argv[1], "off") && !cli::parse_int(argv[1], &value))) {
-        fprintf(stderr, "vesk phy: give PORT and on, off or a mode number\n");
-        return 2;
-    }
-    const int result = Set(port, value);
-    cli::print_int(result);
-    return result == 0 ? 0 : 1;
+    static const char *const kSwitch[] = {"off", "on", nullptr};
+    int port, value;
+    if (!cli::parse_int(argv[0], &port, 0, 4) ||
+        !(Max ? cli::parse_int(argv[1], &value, 0, Max) : cli::parse_choice(argv[1], kSwitch, &value)))
+        return cli::kUsage;
+    return cli::done(Set(port, value) == 0, "the PHY register access");
 }
 
 int power(int port, int on) { return vesk_mii_set_power(port, on); }
@@ -85,16 +83,16 @@ int eee(int port, int on) { return vesk_mii_set_802_3_az_mode(on, port); }
 int pause(int port, int on) { return vesk_mii_set_flow_control(on, port); }
 
 constexpr cli::command kCommands[] = {
-    {"link", "[IFNAME [PHY]]", "link state (register 1) of a PHY, eth2 and PHY 1 by default", 0, link},
-    {"speed", "[IFNAME [PHY]]", "best ability that both link partners offer", 0, speed},
+    {"link", "[IFNAME [PHY]]", "link state (register 1) of a PHY, eth2 and PHY 1 by default: up or down", 0, link},
+    {"speed", "[IFNAME [PHY]]", "best ability that both link partners offer: code mode", 0, speed},
     {"partner", "[IFNAME [PHY]]", "the link partner's abilities and duplex", 0, partner},
-    {"power", "PORT on|off", "power a PHY up or down (mii_mgr)", 2, set<power>},
+    {"power", "PORT on|off", "power the PHY of port 0-4 up or down (mii_mgr)", 2, set<power, 0>},
     {"advertise", "PORT MODE", "advertise 0 all, 1 10 half, 2 10 full, 3 100 half, 4 100 full, 5 1000 full", 2,
-     set<advertise>},
-    {"gmac", "PORT MODE", "the same modes on the GMAC's word (reg)", 2, set<gmac>},
-    {"mdi", "PORT MODE", "MDI mode 0, 1 or 2", 2, set<mdi>},
-    {"eee", "PORT on|off", "Energy-Efficient Ethernet", 2, set<eee>},
-    {"pause", "PORT on|off", "advertise flow control", 2, set<pause>},
+     set<advertise, 5>},
+    {"gmac", "PORT MODE", "the same modes on the GMAC's word (reg)", 2, set<gmac, 5>},
+    {"mdi", "PORT MODE", "MDI mode 0, 1 or 2", 2, set<mdi, 2>},
+    {"eee", "PORT on|off", "Energy-Efficient Ethernet", 2, set<eee, 0>},
+    {"pause", "PORT on|off", "advertise flow control", 2, set<pause, 0>},
 };
 
 } // namespace

@@ -9,25 +9,22 @@ namespace {
 // The words as one command, as the daemon gets it.
 int send(int argc, char **argv)
 {
-    char command[1024] = "";
+    char command[1024];
+    size_t used = 0;
     for (int i = 0; i < argc; i++) {
-        if (strlen(command) + strlen(argv[i]) + 2 > sizeof command) {
-            fprintf(stderr, "vesk sd send: command too long\n");
-            return 2;
-        }
-        if (i)
-            strcat(command, " ");
-        strcat(command, argv[i]);
+        const int n = snprintf(command + used, sizeof command - used, "%s%s", i ? " " : "", argv[i]);
+        if (n < 0 || static_cast<size_t>(n) >= sizeof command - used)
+            return cli::refuse("the command is longer than %zu bytes", sizeof command - 1);
+        used += static_cast<size_t>(n);
     }
     char reply[128] = "";
+    static constexpr const char *kMeaning[] = {"the exchange failed", "no reply within 40 seconds",
+                                               "no system daemon runs"};
     const int result = vesk_sd_ctrl(command, reply);
-    static const char *const kMeaning[] = {"", "failed", "timed out", "no system daemon"};
-    if (result < 0) {
-        fprintf(stderr, "vesk sd send: %s (%d)\n", result >= -3 ? kMeaning[-result] : "", result);
-        return 1;
-    }
-    puts(reply);
-    return 0;
+    if (result < 0)
+        return cli::miss("%s (%d)", result >= -3 ? kMeaning[-result - 1] : "failed", result);
+    // A command ending in '&' is not waited for: there is no reply to print.
+    return reply[0] ? cli::text(reply) : cli::kAnswer;
 }
 
 constexpr cli::command kCommands[] = {

@@ -5,13 +5,12 @@ namespace {
 
 int index_of(int, char **argv)
 {
-    int index = vesk_snmp_get_index_by_ifname(0, argv[0]);
-    cli::print_int(index);
-    return index ? 0 : 1;
+    const int index = vesk_snmp_get_index_by_ifname(0, argv[0]);
+    return index ? cli::number(index) : cli::miss("no SNMP number for %s", argv[0]);
 }
 
 constexpr cli::command kCommands[] = {
-    {"index", "IFNAME", "the SNMP interface number (0: unknown)", 1, index_of},
+    {"index", "IFNAME", "the SNMP interface number", 1, index_of},
 };
 
 } // namespace

@@ -1,6 +1,3 @@
-#include <inttypes.h>
-#include <stdio.h>
-
 #include "cli.hpp"
 #include "vesk_stat.h"
 
@@ -10,42 +7,45 @@ int mem(int, char **)
 {
     vesk_stat_mem m = {};
     if (!vesk_stat_meminfo(&m))
-        return 1;
-    printf("total %" PRIu32 " kB\nused %" PRIu32 " kB\nfree %" PRIu32 " kB\nbuffers %" PRIu32
-           " kB\ncached %" PRIu32 " kB\n",
-           m.total, m.used, m.free, m.buffers, m.cached);
-    return 0;
+        return cli::miss("cannot read /proc/meminfo");
+    cli::record()
+        .number_u("total", m.total)
+        .number_u("used", m.used)
+        .number_u("free", m.free)
+        .number_u("buffers", m.buffers)
+        .number_u("cached", m.cached);
+    return cli::kAnswer;
 }
 
 int cpu(int, char **)
 {
     vesk_stat_cpu c = {};
     if (!vesk_stat_cpuloading(&c))
-        return 1;
-    const struct {
-        const char *name;
-        uint64_t value;
-    } rows[] = {{"user", c.user},     {"nice", c.nice}, {"system", c.system},   {"idle", c.idle},
-                {"iowait", c.iowait}, {"irq", c.irq},   {"softirq", c.softirq}, {"steal", c.steal},
-                {"total", c.total},   {"busy", c.busy}};
-    for (const auto &r : rows)
-        printf("%s %" PRIu64 "\n", r.name, r.value);
-    return 0;
+        return cli::miss("cannot read /proc/stat");
+    cli::record()
+        .number_u("user", c.user)
+        .number_u("nice", c.nice)
+        .number_u("system", c.system)
+        .number_u("idle", c.idle)
+        .number_u("iowait", c.iowait)
+        .number_u("irq", c.irq)
+        .number_u("softirq", c.softirq)
+        .number_u("steal", c.steal)
+        .number_u("total", c.total)
+        .number_u("busy", c.busy);
+    return cli::kAnswer;
 }
 
 int irq(int, char **argv)
 {
     unsigned int count = 0;
-    if (!vesk_stat_interrupts(argv[0], &count))
-        return 1;
-    printf("%u\n", count);
-    return 0;
+    return vesk_stat_interrupts(argv[0], &count) ? cli::number_u(count) : cli::miss("cannot read /proc/interrupts");
 }
 
 constexpr cli::command kCommands[] = {
     {"mem", "", "memory counters of /proc/meminfo in kB", 0, mem},
     {"cpu", "", "processor ticks since boot of /proc/stat, with total and busy", 0, cpu},
-    {"irq", "NAME", "first processor's count of the first interrupt whose device matches NAME", 1, irq},
+    {"irq", "NAME", "first processor's count of the first interrupt whose device matches NAME (0: none)", 1, irq},
 };
 
 } // namespace

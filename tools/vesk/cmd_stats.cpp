@@ -1,6 +1,3 @@
-#include <inttypes.h>
-#include <stdio.h>
-
 #include "cli.hpp"
 #include "vesk_if.h"
 
@@ -9,21 +6,26 @@ namespace {
 int show(int, char **argv)
 {
     vesk_if_stats s;
-    if (!vesk_if_get_stats(argv[0], &s)) {
-        fprintf(stderr, "vesk stats show: no counters for %s\n", argv[0]);
-        return 1;
-    }
-    printf("rx_bytes %" PRIu64 "\nrx_packets %" PRIu64 "\nrx_errors %" PRIu32 "\nrx_dropped %" PRIu32
-           "\nrx_fifo_errors %" PRIu32 "\nrx_frame_errors %" PRIu32 "\nrx_compressed %" PRIu32 "\nrx_multicast %" PRIu32
-           "\n",
-           s.rx_bytes, s.rx_packets, s.rx_errors, s.rx_dropped, s.rx_fifo_errors, s.rx_frame_errors, s.rx_compressed,
-           s.rx_multicast);
-    printf("tx_bytes %" PRIu64 "\ntx_packets %" PRIu64 "\ntx_errors %" PRIu32 "\ntx_dropped %" PRIu32
-           "\ntx_fifo_errors %" PRIu32 "\ncollisions %" PRIu32 "\ntx_carrier_errors %" PRIu32 "\ntx_compressed %" PRIu32
-           "\n",
-           s.tx_bytes, s.tx_packets, s.tx_errors, s.tx_dropped, s.tx_fifo_errors, s.collisions, s.tx_carrier_errors,
-           s.tx_compressed);
-    return 0;
+    if (!vesk_if_get_stats(argv[0], &s))
+        return cli::miss("no counters for %s", argv[0]);
+    cli::record()
+        .number_u("rx_bytes", s.rx_bytes)
+        .number_u("rx_packets", s.rx_packets)
+        .number_u("rx_errors", s.rx_errors)
+        .number_u("rx_dropped", s.rx_dropped)
+        .number_u("rx_fifo_errors", s.rx_fifo_errors)
+        .number_u("rx_frame_errors", s.rx_frame_errors)
+        .number_u("rx_compressed", s.rx_compressed)
+        .number_u("rx_multicast", s.rx_multicast)
+        .number_u("tx_bytes", s.tx_bytes)
+        .number_u("tx_packets", s.tx_packets)
+        .number_u("tx_errors", s.tx_errors)
+        .number_u("tx_dropped", s.tx_dropped)
+        .number_u("tx_fifo_errors", s.tx_fifo_errors)
+        .number_u("collisions", s.collisions)
+        .number_u("tx_carrier_errors", s.tx_carrier_errors)
+        .number_u("tx_compressed", s.tx_compressed);
+    return cli::kAnswer;
 }
 
 constexpr cli::command kCommands[] = {

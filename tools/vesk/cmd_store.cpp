@@ -1,4 +1,5 @@
 #include <ctype.h>
+#include <limits.h>
 #include <stdio.h>
 #include <string.h>
 
@@ -8,26 +9,34 @@
 
 namespace {
 
+constexpr int kMaxRecord = 128;
+
+// Size of a known key's value; refuses an unknown key.
+int key_arg(const char *key, int *is_number)
+{
+    const int size = quil_key_info(key, is_number);
+    if (!size || size > kMaxRecord)
+        cli::refuse("unknown key %s (quil list shows the store)", key);
+    return size > kMaxRecord ? 0 : size;
+}
+
 int get(int, char **argv)
 {
     int is_number = 0;
-    int size = quil_key_info(argv[0], &is_number);
-    if (!size) {
-        fprintf(stderr, "vesk store: unknown key %s\n", argv[0]);
-        return 2;
-    }
-    unsigned char value[128] = {}; // zeroed first: a missing key reads as zeros
+    const int size = key_arg(argv[0], &is_number);
+    if (!size)
+        return cli::kUsage;
+    unsigned char value[kMaxRecord] = {}; // zeroed first: a missing key reads as zeros
     quil_get_value(value, "%s", argv[0]);
     if (is_number) {
         int v;
         memcpy(&v, value, sizeof v);
-        printf("%d\n", v);
-        return 0;
+        return cli::number(v);
     }
+    char hex[2 * kMaxRecord + 1];
     for (int i = 0; i < size; i++)
-        printf("%02x", value[i]);
-    putchar('\n');
-    return 0;
+        snprintf(hex + 2 * i, 3, "%02x", value[i]);
+    return cli::text(hex);
 }
 
 // Hex digits, two per byte, exactly as many as the record holds.
@@ -48,35 +57,29 @@ bool parse_record(const char *text, unsigned char *out, int size)
 // Number keys take a number; record keys take hex of exactly their size.
 int set(int, char **argv)
 {
-    int is_number = 0;
-    const int size = quil_key_info(argv[0], &is_number);
-    unsigned char value[128] = {};
-    if (!size || size > static_cast<int>(sizeof value)) {
-        fprintf(stderr, "vesk store: unknown key %s\n", argv[0]);
-        return 2;
-    }
+    int is_number = 0, v;
+    unsigned char value[kMaxRecord] = {};
+    const int size = key_arg(argv[0], &is_number);
+    if (!size)
+        return cli::kUsage;
     if (is_number) {
-        int v;
-        if (!cli::parse_int(argv[1], &v)) {
-            fprintf(stderr, "vesk store: %s is not a number\n", argv[1]);
-            return 2;
-        }
+        if (!cli::parse_int(argv[1], &v, INT_MIN, INT_MAX))
+            return cli::kUsage;
         memcpy(value, &v, sizeof v);
     } else if (!parse_record(argv[1], value, size)) {
-        fprintf(stderr, "vesk store: %s takes %d bytes as %d hex digits\n", argv[0], size, 2 * size);
-        return 2;
+        return cli::refuse("%s takes %d bytes as %d hex digits", argv[0], size, 2 * size);
     }
-    return quil_set_value(value, argv[0]) == 0 ? 0 : 1;
+    return cli::done(quil_set_value(value, argv[0]) == 0, "writing the store");
 }
 
-int usboot(int, char **) { return printf("%d\n", vesk_get_usboot()) < 0; }
-int sch_en(int, char **) { return printf("%d\n", vesk_util_get_sch_en()) < 0; }
+int usboot(int, char **) { return cli::number(vesk_get_usboot()); }
+int sch_en(int, char **) { return cli::number(vesk_util_get_sch_en()); }
 
 constexpr cli::command kCommands[] = {
     {"get", "KEY", "value of a store key (records in hex, zeros when unset)", 1, get},
-    {"set", "KEY VALUE", "set a key: a number, or a record in hex of its exact size", 2, set},
-    {"usboot", "", "1 in USB-boot operation (/mnt/usboot exists)", 0, usboot},
-    {"schedule", "", "1 when the schedule is enabled (schedule_en)", 0, sch_en},
+    {"set", "KEY VALUE", "set a key: a number, or a record in hex of its exact size", 2, set, cli::changes_device},
+    {"usboot", "", "1 in USB-boot operation (/mnt/usboot exists), else 0", 0, usboot},
+    {"schedule", "", "1 when the schedule is enabled (schedule_en), else 0", 0, sch_en},
 };
 
 } // namespace

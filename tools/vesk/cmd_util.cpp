@@ -1,4 +1,3 @@
-#include <stdio.h>
 #include <string.h>
 
 #include "cli.hpp"
@@ -6,31 +5,24 @@
 
 namespace {
 
+constexpr size_t kMaxText = 4096;
+
 // Escapes argv[0] into a buffer of the size the library asks for.
 template <void (*Escape)(const char *, char *)>
 int escape(int, char **argv)
 {
-    static char out[2 * 4096 + 1];
-    if (strlen(argv[0]) > 4096) {
-        fputs("vesk util: text longer than 4096 bytes\n", stderr);
-        return 2;
-    }
+    static char out[2 * kMaxText + 1];
+    if (!*argv[0] || strlen(argv[0]) > kMaxText)
+        return cli::refuse("a text has 1 to %zu bytes", kMaxText);
     Escape(argv[0], out);
-    puts(out);
-    return 0;
+    return cli::text(out);
 }
 
-int random_num(int, char **)
-{
-    printf("%d\n", vesk_util_generate_random_num());
-    return 0;
-}
+int random_num(int, char **) { return cli::number(vesk_util_generate_random_num()); }
 
 int random_seed(int argc, char **argv)
 {
-    int rc = vesk_util_generate_random_seed(argc > 0 ? argv[0] : nullptr);
-    printf("%d\n", rc);
-    return rc == 0 ? 0 : 1;
+    return cli::done(vesk_util_generate_random_seed(argc > 0 ? argv[0] : nullptr) == 0, "stirring the pool");
 }
 
 constexpr cli::command kCommands[] = {
