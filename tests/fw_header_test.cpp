@@ -146,7 +146,16 @@ TEST(FwHeader, DecodeAsksTheHeaderTool)
     // Now without a header it fails.
     out = stderr_of([] { EXPECT_EQ(vesk_decode_firmware("/tmp/img"), 0); });
     EXPECT_TRUE(out.ends_with("FAIL!!\n")) << out;
-    stderr_of([] { EXPECT_EQ(vesk_decode_firmware(nullptr), 0); });
+    EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_decode_firmware(nullptr), 0); }), "vesk_decode_firmware: path is NULL!\n");
+
+    // A path of 974 characters makes the tool's answer 1024 bytes: its verdict
+    // fills the 1023 characters the buffer keeps, the last newline aside.
+    const std::string dir = "/tmp/" + std::string(200, 'd') + "/" + std::string(200, 'd') + "/" +
+                            std::string(200, 'd') + "/" + std::string(200, 'd') + "/";
+    const std::string img = dir + std::string(974 - dir.size(), 'i');
+    ASSERT_EQ(vdev::sh("mkdir -p " + dir + " && header -s /tmp/payload -d " + img + " -a -t Kernel -c 1.2.3 >/dev/null"), 0);
+    out = stderr_of([&] { EXPECT_EQ(vesk_decode_firmware(img.c_str()), 1); });
+    EXPECT_TRUE(out.ends_with("header: Return OK]\nOKOK!!\n")) << out.substr(out.size() - 40);
 }
 
 TEST(FwHeader, BootVersionFromFileElseBoard)

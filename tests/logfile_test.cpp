@@ -176,6 +176,11 @@ TEST_F(LogFile, NullArgumentsAndOverlongNames)
                   "Error: vesk_logfile_get_last_record_date_and_number, input is NULL!\n");
     EXPECT_EQ(std::make_tuple(std::string(tag), std::string(date), number), std::make_tuple("", "", 42));
     EXPECT_EQ(vdev::commands(), lines{});
+    // The grep pattern "sys_TAG_DATE*" has 256 bytes: a tag of 242 characters is refused before grep runs.
+    const std::string tag242(242, 't');
+    EXPECT_EQ(library_stderr([&] { EXPECT_EQ(last_record(tag242.c_str(), tag, date, &number), 0); }),
+              "vesk_logfile_get_last_record_date_and_number: name parts too long!\n");
+    EXPECT_EQ(vdev::commands(), kListing);
 
     // 79 characters fit the buffer; one more would cut the name.
     const std::string fits(59, 't'), too_long(60, 't');

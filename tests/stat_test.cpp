@@ -2,13 +2,12 @@
 
 #include <string>
 
+#include "output_of.hpp"
 #include "vdev.hpp"
 #include "vesk_stat.h"
 
 namespace {
 
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
 
 constexpr unsigned kKept = 0xAAAAAAAA; // a field the call must not touch
 
@@ -68,10 +67,10 @@ TEST(Stat, UnreadableFilesAndNullRecords)
     vdev::remove("/proc/stat");
     vesk_stat_mem m = {1, 2, 3, 4, 5};
     vesk_stat_cpu cpu = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
-    CaptureStderr();
-    EXPECT_EQ(vesk_stat_meminfo(&m) + vesk_stat_cpuloading(&cpu), 0);
-    EXPECT_EQ(vesk_stat_meminfo(nullptr) + vesk_stat_cpuloading(nullptr), 0);
-    EXPECT_EQ(GetCapturedStderr(), "vesk_stat_meminfo: File open error!\nvesk_stat_cpuloading: File open error!\n"
+    EXPECT_EQ(stderr_of([&] {
+                  EXPECT_EQ(vesk_stat_meminfo(&m) + vesk_stat_cpuloading(&cpu), 0);
+                  EXPECT_EQ(vesk_stat_meminfo(nullptr) + vesk_stat_cpuloading(nullptr), 0);
+              }), "vesk_stat_meminfo: File open error!\nvesk_stat_cpuloading: File open error!\n"
                                    "Error: vesk_stat_meminfo, input error!\nError: vesk_stat_cpuloading, input error!\n");
     EXPECT_EQ(std::make_tuple(m.total, m.cached, cpu.user, cpu.busy), std::make_tuple(1u, 5u, 1ull, 10ull));
 }
@@ -93,15 +92,13 @@ TEST(Stat, InterruptCountOfTheFirstMatchingLine)
     }
 
     unsigned int count = kKept;
-    CaptureStderr();
-    EXPECT_EQ(vesk_stat_interrupts(nullptr, &count), 0);
-    EXPECT_EQ(vesk_stat_interrupts("eth2", nullptr), 0);
-    EXPECT_EQ(GetCapturedStderr(), "Error: vesk_stat_interrupts, input error!\nError: vesk_stat_interrupts, input error!\n");
+    EXPECT_EQ(stderr_of([&] {
+                  EXPECT_EQ(vesk_stat_interrupts(nullptr, &count), 0);
+                  EXPECT_EQ(vesk_stat_interrupts("eth2", nullptr), 0);
+              }), "Error: vesk_stat_interrupts, input error!\nError: vesk_stat_interrupts, input error!\n");
     EXPECT_EQ(count, kKept);
     vdev::remove("/proc/interrupts");
-    CaptureStderr();
-    EXPECT_EQ(vesk_stat_interrupts("eth2", &count), 0);
-    EXPECT_EQ(GetCapturedStderr(), "");
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_stat_interrupts("eth2", &count), 0); }), "");
     EXPECT_EQ(count, 0u);
 }
 

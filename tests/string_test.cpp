@@ -58,9 +58,7 @@ TEST(Text, RegMatchReleasesThePattern)
 
 std::string hexdump(unsigned int base, const void *data, unsigned int len)
 {
-    testing::internal::CaptureStdout();
-    vesk_dbg_hexdump(base, data, len);
-    return testing::internal::GetCapturedStdout();
+    return stdout_of([&] { vesk_dbg_hexdump(base, data, len); });
 }
 
 TEST(Text, HexdumpLines)
@@ -137,7 +135,7 @@ TEST(Text, LastPathComponent)
     const struct {
         const char *path, *nostrip, *strip, *stripped; // stripped: the caller's string afterwards
     } cases[] = {{"/", "/", "/", "/"},       {"a/", "", "a", "a"},       {"/a/b", "b", "b", "/a/b"},
-                 {"/a/b//", "", "b", "/a/b"}, {"///", "", "/", "/"},      {"name", "name", "name", "name"},
+                 {"/a/b//", "", "b", "/a/b"}, {"///", "", "/", "/"},      {"name", "name", "name", "name"}, {"/a", "a", "a", "/a"},
                  {"", "", "", ""}};
     for (const auto &c : cases) {
         SCOPED_TRACE(c.path);
