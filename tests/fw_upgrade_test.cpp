@@ -76,11 +76,12 @@ TEST(FwUpgrade, MissingPartitionStillRecordsVersion)
     // A failed write goes on to kver; the device tool refuses /dev/mtd-1.
     vdev::put("/proc/mtd", "dev:    size   erasesize  name\nmtd0: 00030000 00010000 \"Bootloader\"\n");
     vdev::put("/tmp/k", "k");
-    for (int index : {1, 5, -1}) { // no Kernel partition, past the table, negative
+    for (int index : {0, 1, 5, -1}) { // the first type's partition; no Kernel partition, past the table, negative
         SCOPED_TRACE(index);
         vdev::clear_journal();
         stderr_of([&] { EXPECT_EQ(vesk_do_image_upgrade("/tmp/k", index, 0, "9.9.9"), 1); });
-        EXPECT_EQ(vdev::commands(), (lines{"flashcp -v /tmp/k /dev/mtd-1", "board_config set kver 9.9.9"}));
+        const std::string mtd = index == 0 ? "/dev/mtd0" : "/dev/mtd-1";
+        EXPECT_EQ(vdev::commands(), (lines{"flashcp -v /tmp/k " + mtd, "board_config set kver 9.9.9"}));
     }
     EXPECT_TRUE(board_has("kver=9.9.9"));
 }
