@@ -119,9 +119,13 @@ TEST(PortRange, StringToList)
         {"99999999999999999999", 2, {65535, 0}}, {"abc, x-y", 4, {0, 0, 0, 0}},
     };
     for (const auto &c : cases) {
-        ports list(static_cast<size_t>(c.count), 0xEEEE);
-        EXPECT_EQ(vesk_wan_port_ranger_string_to_list(c.text, list.data(), c.count), 1) << c.text;
-        EXPECT_EQ(list, c.list) << c.text;
+        // Exactly count entries on the heap, then with a guard entry behind them that must stay as it was.
+        for (size_t guard : {0u, 1u}) {
+            ports list(static_cast<size_t>(c.count) + guard, 0xEEEE), want = c.list;
+            want.resize(list.size(), 0xEEEE);
+            EXPECT_EQ(vesk_wan_port_ranger_string_to_list(c.text, list.data(), c.count), 1) << c.text;
+            EXPECT_EQ(list, want) << c.text;
+        }
     }
     unsigned short keep = 7;
     EXPECT_EQ(vesk_wan_port_ranger_string_to_list(nullptr, &keep, 1), 0);
