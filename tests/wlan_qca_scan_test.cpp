@@ -4,7 +4,6 @@
 // elements go into a beacon frame in a pcap file, tshark names the AKM and
 // cipher suites it finds, and those must give the words that the survey wrote.
 #include <gtest/gtest.h>
-#include <stdint.h>
 #include <string.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -69,7 +68,7 @@ TEST(QcaSurvey, DefaultRadioListsItsFiveGigahertzCells)
         "149 3 guest NONE " + std::to_string(30 * 100 / 94) + " 14 11ac NONE",
         "44 4 02:5A:00:00:00:04 WPA2/AES " + std::to_string(61 * 100 / 94) + " 34 11ac BELOW", // hidden: its BSSID
         "48 6 old-wep WEP " + std::to_string(20 * 100 / 94) + " 9 11a NONE", // channel 6 left out between
-        "0 0     0 0  ",
+        "0 0   0 0  ", // and nothing more
     };
     for (size_t i = 0; i < std::size(rows); i++)
         EXPECT_EQ(rec(recs[i]), rows[i]);
@@ -191,30 +190,18 @@ const cell kCells[] = {
     {"RSN cut short before its AKM list", true, "0004766573 30140100000fac040100000fac04"},
 };
 
-std::string bytes_of(std::string hex)
-{
-    std::string out;
-    hex.erase(std::remove(hex.begin(), hex.end(), ' '), hex.end());
-    for (size_t i = 0; i + 1 < hex.size(); i += 2)
-        out += char(std::stoi(hex.substr(i, 2), nullptr, 16));
-    return out;
-}
-
-std::string le(uint32_t v, int n)
-{
-    std::string s;
-    for (int i = 0; i < n; i++)
-        s += char(v >> (8 * i));
-    return s;
-}
-
-// A beacon from 02:5A:00:00:01:NN with the cell's capability and elements.
+// A beacon from 02:5A:00:00:01:NN with the cell's capability and elements,
+// as a line of text2pcap's hex dump.
 std::string beacon(int n, const cell &c)
 {
-    std::string bssid = bytes_of("025a000001") + char(n);
-    std::string frame = bytes_of("80000000ffffffffffff") + bssid + bssid + le(0, 2) + std::string(8, '\0') +
-                        le(100, 2) + le(c.privacy ? 0x11 : 0x01, 2) + bytes_of(c.ies);
-    return le(0, 4) + le(0, 4) + le(uint32_t(frame.size()), 4) + le(uint32_t(frame.size()), 4) + frame;
+    char head[80];
+    snprintf(head, sizeof head, "80000000ffffffffffff025a000001%02x025a000001%02x0000%s6400%02x00", n, n,
+             std::string(16, '0').c_str(), c.privacy ? 0x11 : 0x01);
+    std::string hex = head + std::string(c.ies), line = "000000";
+    hex.erase(std::remove(hex.begin(), hex.end(), ' '), hex.end());
+    for (size_t i = 0; i < hex.size(); i += 2)
+        line += " " + hex.substr(i, 2);
+    return line + "\n";
 }
 
 // The words that tshark's AKM and pairwise suites give.
@@ -247,20 +234,21 @@ std::string words(const std::string &line)
 
 TEST(QcaSecurity, WordsMatchWiresharksDissection)
 {
-    std::string cells, pcap = le(0xa1b2c3d4, 4) + le(2, 2) + le(4, 2) + le(0, 4) + le(0, 4) + le(65535, 4) + le(105, 4);
+    std::string cells, dump;
     for (size_t i = 0; i < std::size(kCells); i++) {
-        std::string hex = kCells[i].ies;
-        std::string ie;
-        for (size_t at = 0; at < hex.size(); at = hex.find(' ', at) == std::string::npos ? hex.size() : hex.find(' ', at) + 1)
-            ie += " ie=" + hex.substr(at, hex.find(' ', at) - at);
+        std::istringstream elements(kCells[i].ies);
         char bssid[32];
         snprintf(bssid, sizeof bssid, "02:5A:00:00:01:%02zX", i);
-        cells += std::string("bssid=") + bssid + " channel=36 mode=master enc=" + (kCells[i].privacy ? "on" : "off") + ie + "\n";
-        pcap += beacon(int(i), kCells[i]);
+        cells += std::string("bssid=") + bssid + " channel=36 mode=master enc=" + (kCells[i].privacy ? "on" : "off");
+        for (std::string ie; elements >> ie;)
+            cells += " ie=" + ie;
+        cells += "\n";
+        dump += beacon(int(i), kCells[i]);
     }
     vdev::put("/run/vdev/radio/ath1/cells", cells);
-    vdev::put("/tmp/beacons.pcap", pcap);
-    ASSERT_EQ(vdev::sh("tshark -r /tmp/beacons.pcap -T fields -E separator='|' -E occurrence=a -E aggregator=, "
+    vdev::put("/tmp/beacons.txt", dump);
+    ASSERT_EQ(vdev::sh("text2pcap -q -l 105 /tmp/beacons.txt /tmp/beacons.pcap && "
+                       "tshark -r /tmp/beacons.pcap -T fields -E separator='|' -E occurrence=a -E aggregator=, "
                        "-e wlan.rsn.akms.type -e wlan.rsn.pcs.type -e wlan.wfa.ie.wpa.akms -e wlan.wfa.ie.wpa.ucs.type "
                        "-e wlan.fixed.capabilities.privacy >/tmp/suites 2>/dev/null"),
               0);

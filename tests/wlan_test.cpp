@@ -334,13 +334,9 @@ TEST(WlanSchedule, SwitchesRadioAndSsidsInOrder)
     // With both schedules off the mask is kept in its slot but nothing is down.
     set_number("scheduleS_5g_en", 0);
     EXPECT_EQ(vesk_find_SSID_will_be_down(1, 1, 7), 0u);
-    vesk_wlif_info info = wlif();
-    EXPECT_EQ(info.slot_mask[1][1][0], 7);
-    EXPECT_EQ(info.down_mask[1][0], 0);
+    EXPECT_EQ(std::make_tuple(wlif().slot_mask[1][1][0], wlif().down_mask[1][0]), std::make_tuple(7, 0));
     EXPECT_EQ(reset_SSID_onoff_status(1), 0);
-    info = wlif();
-    EXPECT_EQ(info.slot_mask[1][1][0], 0);
-    EXPECT_EQ(info.slot_mask[0][1][0], 0b101); // radio 0 kept its state
+    EXPECT_EQ(std::make_tuple(wlif().slot_mask[1][1][0], wlif().slot_mask[0][1][0]), std::make_tuple(0, 0b101)); // radio 0 kept its state
 
     // Places outside the record are refused and change nothing.
     const vesk_wlif_info before = wlif();
@@ -358,10 +354,7 @@ TEST(WlanSchedule, SwitchesRadioAndSsidsInOrder)
 
 TEST(WlanSchedule, ApWdsModeAndPeers)
 {
-    const struct {
-        unsigned char radio;
-        int enable, mode, result;
-    } cases[] = {{0, 1, 0, 1}, {1, 1, 3, 2}, {2, 1, 4, 3}, {2, 1, 0x203, 2}, {1, 1, 5, 0}, {1, 0, 0, 0}};
+    const struct { unsigned char radio; int enable, mode, result; } cases[] = {{0, 1, 0, 1}, {1, 1, 3, 2}, {2, 1, 4, 3}, {2, 1, 0x203, 2}, {1, 1, 5, 0}, {1, 0, 0, 0}};
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::Message() << int(c.radio) << " " << c.mode);
         const int number = c.radio ? c.radio : 1;
