@@ -14,6 +14,7 @@ RATIOS = [
     ("vendor look-up / std::unordered_map (time)", "BM_OuiVesk", "BM_OuiUnorderedMap", None),
     ("30 product getters, row chosen / no row", "BM_ProductPageChosenRow", "BM_ProductPageNoRow", None),
     ("ra0 survey from its file / from the driver", "BM_SurveyFromFile", "BM_SurveyByDriver", None),
+    ("event-stream walk of a 64 KiB scan / libiw (time)", "BM_StreamWalkVesk", "BM_StreamWalkLibiw", 1.0),
     ("client count, Ralink (iwpriv) / QCA (driver request)", "BM_ClientsRalink", "BM_ClientsQca", None),
 ]
 # (what, benchmark, goal): the benchmark's own "ratio" counter, ours / theirs
