@@ -113,13 +113,9 @@ TEST_F(Command, HostileWordsNeverRunAsCommands)
 
 TEST_F(Command, PlainWordsGiveTheDeviceCommandLines)
 {
-    vdev::put("/tmp/in", "plain");
-    vdev::put("/tmp/old", "1\n2\n");
     const struct { const char *what; std::function<void()> call; lines want; } cases[] = {
         {"copy", [] { vesk_disk_save_copy_file("/tmp/cfg", "/mnt/usb1/cfg", "/mnt/usb1", 0); },
          {"cat /proc/mounts | grep /dev/sdz1", "cp /tmp/cfg /mnt/usb1/cfg 2>&1"}},
-        {"truncate", [] { vesk_file_text_truncate("/tmp/old", nullptr, 1, 0); },
-         {"mv /tmp/old /tmp/vesk_file_text_truncate.tmp", "rm -rf /tmp/vesk_file_text_truncate.tmp"}},
         {"hostname", [] { vesk_net_set_hostname("ap-kitchen"); }, {"echo ap-kitchen > /etc/hostname"}},
         {"empty hostname", [] { vesk_net_set_hostname(""); }, {"echo  > /etc/hostname"}},
     };

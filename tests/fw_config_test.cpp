@@ -22,9 +22,7 @@ void set_number(const char *key, int v) { ASSERT_EQ(quil_set_value(&v, key), 0) 
 // A store with keys of several prefixes.
 void fill_store()
 {
-    const std::pair<const char *, int> values[] = {{"schedule_en", 1}, {"radio_opmode_1", 2}, {"radio_opmode_2", 3},
-                                                   {"scheduleS_en", 4}};
-    for (auto [key, v] : values)
+    for (auto [key, v] : {std::pair{"schedule_en", 1}, {"radio_opmode_1", 2}, {"radio_opmode_2", 3}, {"scheduleS_en", 4}})
         set_number(key, v);
 }
 

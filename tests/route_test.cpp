@@ -35,8 +35,6 @@ TEST(Gateway, TableFilesAndBuffers)
     const struct { const char *name; std::string table; const char *ifname, *gateway, *default_gateway; } cases[] = {
         {"header only", h, "eth0", "---", "---"},
         {"empty file", "", "eth0", "---", "---"},
-        {"one default route", h + "eth0 00000000 0101A8C0 0003 0 0 0 00000000 0 0 0\n", "eth0", "192.168.1.1",
-         "192.168.1.1"},
         {"route of the interface ahead of its default",
          h + "eth0\t0000A8C0\tFE01A8C0\t0003\t0\t0\t0\t0000FFFF\t0\t0\t0\n" +
              "eth0\t00000000\t0101A8C0\t0003\t0\t0\t0\t00000000\t0\t0\t0\n",
