@@ -119,6 +119,8 @@ TEST(FwHeader, VersionTextAndNumber)
         EXPECT_STREQ(vesk_get_firmware_header_version(&h), c.text);
         EXPECT_EQ(vesk_get_firmware_header_version_dec(&h), c.dec);
     }
+    EXPECT_STREQ(vesk_get_firmware_header_version(nullptr), "");
+    EXPECT_EQ(vesk_get_firmware_header_version_dec(nullptr), 0u);
 }
 
 TEST(FwHeader, DecodeAsksTheHeaderTool)

@@ -91,13 +91,15 @@ TEST(PortRange, ListToString)
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.text);
-        // Exactly count entries on the heap and exactly dst_size bytes.
-        ports list(c.list.begin(), c.list.begin() + std::max(c.count, 0));
-        std::vector<char> dst(static_cast<size_t>(c.dst_size) + 1, 'x');
-        EXPECT_EQ(vesk_wan_port_range_list_to_string(list.empty() ? c.list.data() : list.data(), c.count, dst.data(),
-                                                     c.dst_size), 1);
-        EXPECT_STREQ(dst.data(), c.text);
-        EXPECT_EQ(dst.back(), 'x');
+        // Exactly count entries on the heap, then the whole row, whose entries
+        // behind count must not be read either; exactly dst_size bytes.
+        const ports exact(c.list.begin(), c.list.begin() + c.count);
+        for (const ports *list : {exact.empty() ? &c.list : &exact, &c.list}) {
+            std::vector<char> dst(static_cast<size_t>(c.dst_size) + 1, 'x');
+            EXPECT_EQ(vesk_wan_port_range_list_to_string(list->data(), c.count, dst.data(), c.dst_size), 1);
+            EXPECT_STREQ(dst.data(), c.text);
+            EXPECT_EQ(dst.back(), 'x');
+        }
     }
     char dst[8] = "keep";
     unsigned short one = 1;
