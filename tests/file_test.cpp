@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "output_of.hpp"
-
 #include "vdev.hpp"
 #include "vesk_file.h"
 
@@ -48,10 +47,8 @@ TEST(FileText, AssertionsEndTheProcess)
     const char *range = "VESK_ASSERT FAILED 'i_max_line>=0 && i_line_to_free>=0 && i_max_line>=i_line_to_free' "
                         "vesk_file_text_truncate vesk_file.cpp:79\n";
     const struct { void (*call)(); std::string out; } cases[] = {
-        {[] { vesk_file_text_append(nullptr, "x%d\n", 1); },
-         "VESK_ASSERT FAILED 'filename!=NULL' vesk_file_text_append vesk_file.cpp:44\n"},
-        {[] { vesk_file_text_truncate(nullptr, nullptr, 10, 1); },
-         "VESK_ASSERT FAILED 'filename!=NULL' vesk_file_text_truncate vesk_file.cpp:78\n"},
+        {[] { vesk_file_text_append(nullptr, "x%d\n", 1); }, "VESK_ASSERT FAILED 'filename!=NULL' vesk_file_text_append vesk_file.cpp:44\n"},
+        {[] { vesk_file_text_truncate(nullptr, nullptr, 10, 1); }, "VESK_ASSERT FAILED 'filename!=NULL' vesk_file_text_truncate vesk_file.cpp:78\n"},
         {[] { vesk_file_text_truncate(kLog, nullptr, -1, 0); }, range},
         {[] { vesk_file_text_truncate(kLog, nullptr, 10, -1); }, range},
         {[] { vesk_file_text_truncate(kLog, nullptr, 5, 6); }, range},
@@ -114,10 +111,7 @@ TEST(FileText, BackupKeepsTheWholeOldFile)
     EXPECT_EQ(vesk_file_text_truncate("/var/log/absent.log", nullptr, 0, 0), 1);
     EXPECT_FALSE(vdev::exists("/var/log/absent.log"));
     EXPECT_EQ(vdev::commands().size(), 2u) << "an absent file runs nothing";
-}
 
-TEST(FileText, FailedMoveLeavesTheFile)
-{
     vdev::put(kLog, numbered(1, 8));
     EXPECT_EQ(vesk_file_text_truncate(kLog, "/var/none/vesk.bak", 5, 2), 1); // no directory for the backup
     EXPECT_EQ(vdev::read(kLog), numbered(1, 8));
@@ -141,15 +135,6 @@ TEST(FileText, FailedReopenKeepsTheLinesInTheWorkFile)
     EXPECT_EQ(o.status, 0);
     EXPECT_EQ(vdev::read(kWork), numbered(1, 8));
     EXPECT_FALSE(vdev::exists(kLog));
-}
-
-TEST(FileText, AppendThenTruncateKeepsTheNewestLines)
-{
-    for (int i = 1; i <= 25; i++) {
-        stderr_of([&] { vesk_file_text_append(kLog, "line %d\n", i); });
-        vesk_file_text_truncate(kLog, nullptr, 10, 4);
-    }
-    EXPECT_EQ(vdev::read(kLog), numbered(16, 25)); // cuts at 11 lines leave 6: after lines 11, 16 and 21
 }
 
 } // namespace

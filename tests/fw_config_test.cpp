@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 
 #include "fake_sleep.hpp"
@@ -23,20 +22,14 @@ void set_number(const char *key, int v) { ASSERT_EQ(quil_set_value(&v, key), 0) 
 // A store with keys of several prefixes.
 void fill_store()
 {
-    const std::pair<const char *, int> values[] = {{"schedule_en", 1}, {"radio_opmode_1", 2}, {"radio_opmode_2", 3},
-                                                   {"scheduleS_en", 4}};
-    for (auto [key, v] : values)
+    for (auto [key, v] : {std::pair{"schedule_en", 1}, {"radio_opmode_1", 2}, {"radio_opmode_2", 3}, {"scheduleS_en", 4}})
         set_number(key, v);
 }
 
 TEST(FwRestore, PrefixListTokensGoToTheStoreBeforeTheFileIsReplaced)
 {
-    const struct {
-        const char *name;
-        const char *list; // nullptr: no list
-        const char *printed;
-        lines new_keys; // keys in quil_new.dat; {"old"} for the untouched file
-    } cases[] = {
+    // list nullptr: no list; new_keys: the keys in quil_new.dat, {"old"} for the untouched file.
+    const struct { const char *name, *list, *printed; lines new_keys; } cases[] = {
         {"no list", nullptr, "", {"old"}},
         {"empty list", "", "", {}},
         {"two lines", "radio\r\nscheduleS\n", "buf [radio]\nbuf [scheduleS]\n",
@@ -101,7 +94,7 @@ TEST(FwRestore, RebootOnlyWhenAskedAndUsbCopiesOnlyWithUsboot)
     EXPECT_EQ(std::count(journal.begin(), journal.end(), "led_ctl diag D5"), 2) << testing::PrintToString(journal);
 }
 
-TEST(FwBackup, RefusedKeyLeavesNoImage)
+TEST(FwBackup, RefusedKeyLeavesNoImageAndStoreIsFlushedFirst)
 {
     const std::string key65(65, 'k');
     vdev::clear_journal();
@@ -110,12 +103,10 @@ TEST(FwBackup, RefusedKeyLeavesNoImage)
     EXPECT_EQ(vdev::commands(), lines{"header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"});
     EXPECT_FALSE(vdev::exists("/tmp/user.conf"));
     EXPECT_TRUE(vdev::exists(QUIL_DAT_FILE));
-}
-
-TEST(FwBackup, StoreWithoutFileYetIsFlushedFirst)
-{
+    // A store without its file yet is flushed first.
     EXPECT_EQ(std::count(reset_default_prefix_list, std::end(reset_default_prefix_list), '\0'), 480); // untouched
     vdev::remove(QUIL_DAT_FILE);
+    vdev::clear_journal();
     EXPECT_EQ(vesk_do_backup_config("k"), 1);
     EXPECT_EQ(vdev::commands(), (lines{"rm -rf /tmp/ap_cfg", "lockwrap /var/vesk_crypt_key_file e /storage/quil.dat /tmp/ap_cfg",
                                        "rm -rf /var/vesk_crypt_key_file",
@@ -124,76 +115,49 @@ TEST(FwBackup, StoreWithoutFileYetIsFlushedFirst)
 }
 
 // A management page's path: back up, take the image apart, upgrade, find the store as it was.
+// A key of its own takes the path FwBackup shows; here the empty key, booted from USB.
 TEST(FwPath, BackupRestoresThroughTheFlashEvent)
 {
-    for (bool usboot : {false, true}) {
-        SCOPED_TRACE(usboot ? "USB boot, empty key" : "flash boot");
-        const char *key = usboot ? "" : "secret";
-        if (usboot) {
-            ASSERT_EQ(mkdir("/mnt/usboot", 0755), 0);
-            ASSERT_EQ(mkdir("/mnt/usb1", 0755), 0);
-            ASSERT_EQ(mount("usb1", "/mnt/usb1", "tmpfs", 0, "size=1m"), 0);
-            vdev::put("/mnt/usb1/.quil_new.dat", "stale");
-        }
-        vdev::put(QUIL_DAT_FILE, "");
-        fill_store();
-        const std::string saved = vdev::read(QUIL_DAT_FILE);
-        vdev::clear_journal();
-        ASSERT_EQ(vesk_do_backup_config(key), 1);
-        lines want = {"rm -rf /tmp/ap_cfg", "echo \"\" > /var/vesk_crypt_key_file",
-                      "lockwrap /var/vesk_crypt_key_file e /storage/quil.dat /tmp/ap_cfg",
-                      "rm -rf /var/vesk_crypt_key_file", "header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"};
-        if (!usboot)
-            want.erase(want.begin() + 1); // a key of its own needs no echo
-        EXPECT_EQ(vdev::commands(), want);
-        EXPECT_EQ(vdev::read(QUIL_DAT_FILE), saved);
-        EXPECT_FALSE(vdev::exists("/tmp/ap_cfg"));
-        EXPECT_EQ(vdev::read("/tmp/user.conf").find("schedule_en"), std::string::npos) << "not encrypted";
-        vesk_fw_header h;
-        ASSERT_EQ(vesk_get_firmware_header_info("/tmp/user.conf", &h), 1);
-        EXPECT_EQ(h.type, 7u); // userconfig, of the firmware's version and board
-        EXPECT_STREQ(vesk_get_firmware_header_version(&h), vesk_product_get_fw_version());
-        EXPECT_EQ(vesk_get_firmware_header_version_dec(&h), vesk_product_get_fw_version_dec());
-        EXPECT_EQ(h.hardware_id, 0x010E0012u);
-
-        set_number("schedule_en", 0);
-        set_number("radio_opmode_2", 9);
-        stderr_of([&] {
-            ASSERT_EQ(vesk_decode_firmware("/tmp/user.conf"), 1);
-            ASSERT_EQ(vesk_crypt_dec_file("/tmp/user.conf", key, "/tmp/restore.dat", 0), 1);
-            fake_sleep::reset();
-            vdev::clear_journal();
-            EXPECT_EQ(vesk_flash_event_handle("/tmp/restore.dat", &h, 1), 1);
-        });
-
-        EXPECT_EQ(vdev::read(QUIL_DAT_FILE), saved);
-        EXPECT_EQ(quil_get_int_value("schedule_en"), 1);
-        EXPECT_EQ(quil_get_int_value("radio_opmode_2"), 3);
-        EXPECT_FALSE(vdev::exists("/tmp/restore.dat"));
-        EXPECT_FALSE(vdev::exists("/tmp/user.conf"));
-        EXPECT_EQ(vdev::commands().back(), "sd_ctrl inform reboot");
-        EXPECT_EQ(fake_sleep::calls, 0u);
-        if (usboot) {
-            EXPECT_EQ(vdev::read("/mnt/usb1/.quil.dat"), saved);
-            EXPECT_EQ(vdev::read("/mnt/usb1/.quil_new.dat"), saved);
-        }
-    }
-}
-
-TEST(FwPath, KernelImageReachesFlashAndKver)
-{
-    vdev::put("/tmp/payload", std::string(5000, 'K'));
-    ASSERT_EQ(vdev::sh("header -s /tmp/payload -d /tmp/fw.bin -a -t Kernel -c 2.3.4 >/dev/null"), 0);
+    ASSERT_EQ(mkdir("/mnt/usboot", 0755), 0);
+    ASSERT_EQ(mkdir("/mnt/usb1", 0755), 0);
+    ASSERT_EQ(mount("usb1", "/mnt/usb1", "tmpfs", 0, "size=1m"), 0);
+    vdev::put("/mnt/usb1/.quil_new.dat", "stale");
+    vdev::put(QUIL_DAT_FILE, "");
+    fill_store();
+    const std::string saved = vdev::read(QUIL_DAT_FILE);
+    vdev::clear_journal();
+    ASSERT_EQ(vesk_do_backup_config(""), 1);
+    EXPECT_EQ(vdev::commands(), (lines{"rm -rf /tmp/ap_cfg", "echo \"\" > /var/vesk_crypt_key_file",
+                                       "lockwrap /var/vesk_crypt_key_file e /storage/quil.dat /tmp/ap_cfg",
+                                       "rm -rf /var/vesk_crypt_key_file",
+                                       "header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"}));
+    EXPECT_EQ(vdev::read(QUIL_DAT_FILE), saved);
+    EXPECT_FALSE(vdev::exists("/tmp/ap_cfg"));
+    EXPECT_EQ(vdev::read("/tmp/user.conf").find("schedule_en"), std::string::npos) << "not encrypted";
     vesk_fw_header h;
-    ASSERT_EQ(vesk_get_firmware_header_info("/tmp/fw.bin", &h), 1);
-    EXPECT_EQ(h.type, 3u);
-    EXPECT_EQ(vesk_get_firmware_header_version_dec(&h), 20304u);
-    stderr_of([] { ASSERT_EQ(vesk_decode_firmware("/tmp/fw.bin"), 1); });
-    fake_sleep::reset();
-    EXPECT_EQ(vesk_flash_event_handle("/tmp/fw.bin", &h, 0), 1);
-    EXPECT_EQ(vdev::read("/dev/mtd3"), std::string(5000, 'K'));
-    EXPECT_NE(vdev::read("/run/vdev/board.conf").find("\nkver=2.3.4\n"), std::string::npos);
-    EXPECT_EQ(fake_sleep::slept_us, 3000000ull);
+    ASSERT_EQ(vesk_get_firmware_header_info("/tmp/user.conf", &h), 1);
+    EXPECT_EQ(h.type, 7u); // userconfig, of the firmware's version and board
+    EXPECT_STREQ(vesk_get_firmware_header_version(&h), vesk_product_get_fw_version());
+    EXPECT_EQ(h.hardware_id, 0x010E0012u);
+
+    set_number("schedule_en", 0);
+    set_number("radio_opmode_2", 9);
+    stderr_of([&] {
+        ASSERT_EQ(vesk_decode_firmware("/tmp/user.conf"), 1);
+        ASSERT_EQ(vesk_crypt_dec_file("/tmp/user.conf", "", "/tmp/restore.dat", 0), 1);
+        fake_sleep::reset();
+        vdev::clear_journal();
+        EXPECT_EQ(vesk_flash_event_handle("/tmp/restore.dat", &h, 1), 1);
+    });
+    EXPECT_EQ(vdev::read(QUIL_DAT_FILE), saved);
+    EXPECT_EQ(quil_get_int_value("schedule_en"), 1);
+    EXPECT_EQ(quil_get_int_value("radio_opmode_2"), 3);
+    EXPECT_FALSE(vdev::exists("/tmp/restore.dat"));
+    EXPECT_FALSE(vdev::exists("/tmp/user.conf"));
+    EXPECT_EQ(vdev::commands().back(), "sd_ctrl inform reboot");
+    EXPECT_EQ(fake_sleep::calls, 0u);
+    EXPECT_EQ(vdev::read("/mnt/usb1/.quil.dat"), saved);
+    EXPECT_EQ(vdev::read("/mnt/usb1/.quil_new.dat"), saved);
 }
 
 } // namespace

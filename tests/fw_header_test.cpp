@@ -51,27 +51,19 @@ std::string printed(const raw_header &raw, vesk_fw_header *h)
 
 TEST(FwHeader, RefusesWhatCannotBeAHeader)
 {
-    const struct {
-        const char *name;
-        size_t size; // 0: no file
-        int result;
-        const char *message;
-    } cases[] = {
-        {"missing", 0, 0, "Err: vesk_get_firmware_header_info: /tmp/img does not exist!\n"},
-        {"127 bytes", 127, 0, "Err: vesk_get_firmware_header_info: /tmp/img file size is too small!\n"},
-        {"128 bytes", 128, 1, ""}, {"longer", 4096, 1, ""},
+    const struct { size_t size; int result; const char *message; } cases[] = { // size 0: no file
+        {0, 0, "Err: vesk_get_firmware_header_info: /tmp/img does not exist!\n"},
+        {127, 0, "Err: vesk_get_firmware_header_info: /tmp/img file size is too small!\n"}, {128, 1, ""},
     };
+    vesk_fw_header h;
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(c.size);
         vdev::remove("/tmp/img");
         if (c.size)
-            vdev::put("/tmp/img", (sample(7).str() + std::string(4096, 'z')).substr(0, c.size));
-        vesk_fw_header h;
+            vdev::put("/tmp/img", sample(7).str().substr(0, c.size));
         EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_get_firmware_header_info("/tmp/img", &h), c.result); }), c.message);
     }
-    vesk_fw_header h;
-    EXPECT_EQ(vesk_get_firmware_header_info(nullptr, &h), 0);
-    EXPECT_EQ(vesk_get_firmware_header_info("/tmp/img", nullptr), 0);
+    EXPECT_EQ(vesk_get_firmware_header_info(nullptr, &h) + vesk_get_firmware_header_info("/tmp/img", nullptr), 0);
 
     // The image is opened read-write: root writes through file modes, so it lies on a read-only mount.
     ASSERT_EQ(mkdir("/mnt/ro", 0755), 0);
@@ -116,12 +108,9 @@ TEST(FwHeader, ReadsBigEndianWordsAndPrintsEveryField)
 
 TEST(FwHeader, VersionTextAndNumber)
 {
-    const struct {
-        const char *text;
-        unsigned dec;
-    } cases[] = {
-        {"1.2.3", 10203}, {"1.2", 10200}, {"2.10.3", 21003}, {"1.0.0", 10000}, {"7", 70000},
-        {"", 0},          {"v1.2", 0},    {"%s%n", 0},       {"1.02.005", 10205},
+    const struct { const char *text; unsigned dec; } cases[] = {
+        {"1.2.3", 10203}, {"1.2", 10200}, {"2.10.3", 21003}, {"7", 70000}, {"", 0}, {"v1.2", 0}, {"%s%n", 0},
+        {"1.02.005", 10205},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.text);
@@ -130,6 +119,8 @@ TEST(FwHeader, VersionTextAndNumber)
         EXPECT_STREQ(vesk_get_firmware_header_version(&h), c.text);
         EXPECT_EQ(vesk_get_firmware_header_version_dec(&h), c.dec);
     }
+    EXPECT_STREQ(vesk_get_firmware_header_version(nullptr), "");
+    EXPECT_EQ(vesk_get_firmware_header_version_dec(nullptr), 0u);
 }
 
 TEST(FwHeader, DecodeAsksTheHeaderTool)

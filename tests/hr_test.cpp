@@ -6,53 +6,40 @@ namespace {
 
 TEST(Hr, U64)
 {
-    const struct {
-        unsigned long long val, unit; // unit 0: steps of 1024 with a letter
-        const char *text;
-    } cases[] = {
-        {1, 0, "1"}, {1023, 0, "1023"}, {1024, 0, "1.0k"},
-        {1075, 0, "1.0k"}, {1076, 0, "1.1k"}, // 51/1024 of a step rounds down, 52/1024 up
+    const struct { unsigned long long val, unit; const char *text; } cases[] = { // unit 0: steps of 1024 with a letter
+        {1023, 0, "1023"}, {1024, 0, "1.0k"}, {1075, 0, "1.0k"}, {1076, 0, "1.1k"}, // 52/1024 of a step rounds up
         {2047, 0, "2.0k"},       // the tenth rounds up to 10 and carries
         {1048575, 0, "1024.0k"}, // the carry reaches 1024 and the unit stays
         {1048576, 0, "1.0M"}, {1073741824, 0, "1.0G"}, {1099511627776ull, 0, "1.0T"},
-        {1125899906842624ull, 0, "1024.0T"}, // no letter above T
-        {18446744073709551615ull, 0, "16777216.0T"},
-        {1499, 1000, "1"}, {1500, 1000, "2"}, {0, 1000, "0"}, {1, 1000, "0"},
-        {18446744073709551615ull, 1, "18446744073709551615"},
+        {18446744073709551615ull, 0, "16777216.0T"}, // no letter above T
+        {1499, 1000, "1"}, {1500, 1000, "2"}, {1, 1000, "0"}, {18446744073709551615ull, 1, "18446744073709551615"},
         {18446744073709551615ull, 2, "0"}, // val + unit/2 wraps
     };
     for (const auto &c : cases)
         EXPECT_STREQ(vesk_hr_u64_to_str(c.val, c.unit), c.text) << c.val << "/" << c.unit;
-
     // Zero is a constant: it leaves the buffer, which the next call overwrites.
-    const char *buf = vesk_hr_u64_to_str(1536, 0);
-    const char *zero = vesk_hr_u64_to_str(0, 0);
+    const char *buf = vesk_hr_u64_to_str(1536, 0), *zero = vesk_hr_u64_to_str(0, 0);
     EXPECT_STREQ(zero, "0");
-    EXPECT_NE(zero, buf);
     EXPECT_STREQ(buf, "1.5k");
     EXPECT_EQ(vesk_hr_u64_to_str(1024, 0), buf);
-    EXPECT_STREQ(buf, "1.0k");
 }
 
 TEST(Hr, U32InGroupsOfThree)
 {
     const struct { unsigned int val; const char *text; } cases[] = {
-        {0, "0"}, {999, "999"}, {1000, "1,000"}, {1000005, "1,000,005"},
-        {1005007000, "1,005,007,000"}, {4294967295u, "4,294,967,295"},
+        {4294967295u, "4,294,967,295"}, {0, "0"}, {999, "999"}, {1000, "1,000"}, {1000005, "1,000,005"},
+        {1005007000, "1,005,007,000"}, {5, "5"}, // nothing of the longer text before it is left
     };
     for (const auto &c : cases)
         EXPECT_STREQ(vesk_hr_u32_to_str(c.val), c.text) << c.val;
-    EXPECT_STREQ(vesk_hr_u32_to_str(5), "5") << "nothing of the longer text before it is left";
 }
 
 TEST(Hr, PacketBytesInStepsOf1000)
 {
     const struct { unsigned long long val; const char *text; } cases[] = {
-        {0, "0 Bytes"}, {999, "999 Bytes"}, {1000, "1.0 KBytes"}, {1099, "1.0 KBytes"}, {999999, "999.9 KBytes"},
-        {1000000, "1.0 MBytes"}, {2005000, "2.0 MBytes"}, {1000000000, "1.0 GBytes"},
-        {1999999999, "1.9 GBytes"}, // cut, not rounded
-        {1000000000000ull, "1000.0 GBytes"}, // beyond 999 GBytes the count keeps all its digits
-        {18446744073709551615ull, "18446744073.7 GBytes"},
+        {0, "0 Bytes"}, {999, "999 Bytes"}, {1099, "1.0 KBytes"}, {999999, "999.9 KBytes"}, {1000000, "1.0 MBytes"},
+        {2005000, "2.0 MBytes"}, {1999999999, "1.9 GBytes"}, // cut, not rounded
+        {18446744073709551615ull, "18446744073.7 GBytes"},   // beyond 999 GBytes the count keeps all its digits
     };
     for (const auto &c : cases)
         EXPECT_STREQ(vesk_parse_pkt_unit(c.val), c.text) << c.val;

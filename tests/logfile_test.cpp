@@ -52,10 +52,8 @@ protected:
     static void numbered(const char *date, int first, int last, const char *tag = "kern")
     {
         char name[80];
-        for (int i = first; i <= last; i++) {
-            snprintf(name, sizeof name, "sys_%s_%s_%02d.log", tag, date, i);
-            files({name});
-        }
+        for (int i = first; i <= last; i++)
+            snprintf(name, sizeof name, "sys_%s_%s_%02d.log", tag, date, i), files({name});
     }
     // What fn made the library print; ls's own complaint about no match is the shell's.
     template <typename F> static std::string library_stderr(F fn)
@@ -95,12 +93,9 @@ TEST_F(LogFile, NextNameOfTheDay)
         // outside the ten days of the 30th.
         {"20150528", [] { numbered("20150525", 0, 3); }, "sys_kern_20150528_00.log", ""},
         {"20150530", [] { numbered("20150528", 0, 3); }, "sys_kern_20150530_00.log", kNoRecord},
-        {"20160101", [] { numbered("20151231", 0, 5); }, "sys_kern_20160101_00.log", kNoRecord},
         {"20150528", [] { numbered("20150528", 0, 6, "wifi"); }, "sys_kern_20150528_00.log", kNoRecord},
-        {"20150528", [] { files({"sys_kern_20150528_07.txt"}); }, "sys_kern_20150528_00.log", kNoRecord},
         {"20150528", [] { numbered("20150521", 0, 30), numbered("20150527", 0, 2), numbered("20150528", 0, 8); },
          "sys_kern_20150528_09.log", ""}, // earlier days of the span sort before today
-        {"20150528", [] { numbered("20150528", 0, 8), numbered("20150529", 0, 0); }, "sys_kern_20150528_00.log", ""},
         {"20150528", [] { files({"sys_kern_20150528.log"}); }, "sys_kern_20150528_00.log", kNoNumber},
         // "sort -n" compares these names as text: 99 stays last once it
         // exists, so the day keeps getting number 100.
@@ -124,8 +119,7 @@ TEST_F(LogFile, NextNameOfTheDay)
 
 TEST_F(LogFile, LastRecordOfTheDay)
 {
-    numbered("20150522", 0, 3);
-    numbered("20150528", 0, 4);
+    numbered("20150522", 0, 3), numbered("20150528", 0, 4);
     char tag[128], date[128];
     int number = -7;
     memset(tag, 'x', sizeof tag);

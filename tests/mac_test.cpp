@@ -13,37 +13,25 @@ using mac = std::array<unsigned char, 6>;
 
 TEST(Mac, BinaryToText)
 {
-    const struct {
-        mac bin;
-        const char *text;
-    } cases[] = {{{0x00, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E}, "00:1A:2B:3C:4D:5E"},
-                 {{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, "FF:FF:FF:FF:FF:FF"}};
-    for (const auto &c : cases) {
-        char dst[18];
-        memset(dst, 'x', sizeof dst);
-        EXPECT_EQ(vesk_mac_bin_2_str(dst, c.bin.data()), 17);
-        EXPECT_STREQ(dst, c.text);
-    }
-    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_mac_bin_2_str(nullptr, cases[0].bin.data()), 0); }),
+    const mac bin = {0x00, 0x1A, 0x2B, 0xC3, 0xFF, 0x5E};
+    char dst[18];
+    memset(dst, 'x', sizeof dst);
+    EXPECT_EQ(vesk_mac_bin_2_str(dst, bin.data()), 17);
+    EXPECT_STREQ(dst, "00:1A:2B:C3:FF:5E");
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_mac_bin_2_str(nullptr, bin.data()), 0); }),
               "Error! vesk_mac_bin_2_str dst_str is null!\n");
 }
 
 TEST(Mac, TextToBinary)
 {
     const mac zero{}, plain{0x00, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E};
-    const struct {
-        std::string text;
-        int result;
-        mac bin;
-    } cases[] = {
-        {"00:1a:2b:3c:4d:5e", 1, plain},
+    const struct { std::string text; int result; mac bin; } cases[] = {
+        {"00:1a:2b:3c:4d:5e", 1, plain}, {"00:1A:2B:3C:4D:5E:FF", 1, plain},
         {"AAB:BCCD:DEEFF", 1, {0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF}},   // colons anywhere
         {"A:BB:CC:DD:EE:FF", 1, {0xAB, 0xBC, 0xCD, 0xDE, 0xEF, 0x0F}}, // 11 digits
-        {"00:1A:2B:3C:4D:5E:FF", 1, plain},
-        {"00:1A:2B:3C:4D", 0, zero}, {"GGGGGGGGGGGG", 0, zero}, {"1:2:3:4:5:6", 0, zero}, {"", 0, zero},
+        {"00:1A:2B:3C:4D", 0, zero}, {"GGGGGGGGGGGG", 0, zero}, {"", 0, zero},
         // Colons fill up the work area like any character: 79 fit, 80 do not.
-        {std::string(67, ':') + "001A2B3C4D5E", 1, plain},
-        {std::string(68, ':') + "001A2B3C4D5E", 0, zero},
+        {std::string(67, ':') + "001A2B3C4D5E", 1, plain}, {std::string(68, ':') + "001A2B3C4D5E", 0, zero},
         {"001A2B3C4D5E" + std::string(500, 'F'), 0, zero},
     };
     for (const auto &c : cases) {
@@ -56,8 +44,7 @@ TEST(Mac, TextToBinary)
         EXPECT_EQ(std::string(text), c.text); // the caller's text is not changed
     }
     mac bin, untouched;
-    bin.fill(0x77);
-    untouched.fill(0x77);
+    bin.fill(0x77), untouched.fill(0x77);
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_mac_str_2_bin(bin.data(), nullptr), 0); }),
               "Error! vesk_mac_str_2_bin input is NULL!\n");
     EXPECT_EQ(bin, untouched);
@@ -65,13 +52,8 @@ TEST(Mac, TextToBinary)
 
 TEST(Mac, AddColon)
 {
-    const struct {
-        const char *text, *after;
-        int result;
-    } cases[] = {
-        {"001a2b3c4d5e", "00:1a:2b:3c:4d:5e", 1},
-        {"ZZZZZZZZZZZZ", "ZZ:ZZ:ZZ:ZZ:ZZ:ZZ", 1}, // characters are not looked at
-        {"00:1a:2b:3c:4d:5e", "00:1a:2b:3c:4d:5e", 0},
+    const struct { const char *text, *after; int result; } cases[] = {
+        {"001a2b3c4d5e", "00:1a:2b:3c:4d:5e", 1}, {"00:1a:2b:3c:4d:5e", "00:1a:2b:3c:4d:5e", 0},
         {"001a2b3c4d5", "001a2b3c4d5", 0}, {"001a2b3c4d5e0", "001a2b3c4d5e0", 0},
     };
     for (const auto &c : cases) {
@@ -88,18 +70,11 @@ TEST(Mac, AddColon)
 
 TEST(Mac, ValidText)
 {
-    const struct {
-        std::string text;
-        int result;
-        bool len_message;
-    } cases[] = {
-        {"00:1A:2B:3C:4D:5E", 1, false},
-        {"ZZZZZZZZZZZZ", 1, false}, // only length and 7-bit text count
+    const struct { std::string text; int result; bool len_message; } cases[] = {
+        {"00:1A:2B:3C:4D:5E", 1, false}, {"ZZZZZZZZZZZZ", 1, false}, // only length and 7-bit text count
         {"00:1A:2B:3C:4D:5\xC5", 0, false}, {"\x80" "0:1A:2B:3C:4D:5E", 0, false}, {"00:1A:2B:3C:4D:5\x7F", 1, false},
         {"00:1A:2B:3C:4D:5E:FF", 0, true}, {"00:1A:2B:3C:4D", 0, true},
-        {std::string(67, ':') + "001A2B3C4D5E", 1, false},
-        {std::string(68, ':') + "001A2B3C4D5E", 0, true},
-        {std::string(1000, 'A'), 0, true},
+        {std::string(67, ':') + "001A2B3C4D5E", 1, false}, {std::string(68, ':') + "001A2B3C4D5E", 0, true},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.text);
@@ -119,22 +94,16 @@ TEST(Mac, Equality)
         b[i] ^= 0x80;
         EXPECT_EQ(vesk_mac_bin_is_equal(a.data(), b.data()), 0) << i;
     }
-    mac same = a;
+    const mac same = a;
     EXPECT_EQ(vesk_mac_bin_is_equal(a.data(), same.data()), 1);
     EXPECT_EQ(stderr_of([&] {
-                  EXPECT_EQ(vesk_mac_bin_is_equal(nullptr, a.data()), 0);
-                  EXPECT_EQ(vesk_mac_bin_is_equal(a.data(), nullptr), 0);
-              }),
-              "vesk_mac_bin_is_equal: input error!\nvesk_mac_bin_is_equal: input error!\n");
+                  EXPECT_EQ(vesk_mac_bin_is_equal(nullptr, a.data()) + vesk_mac_bin_is_equal(a.data(), nullptr), 0);
+              }), "vesk_mac_bin_is_equal: input error!\nvesk_mac_bin_is_equal: input error!\n");
 }
 
 TEST(Mac, InRange)
 {
-    const struct {
-        const char *b1, *b2, *mac;
-        int result;
-        const char *message;
-    } cases[] = {
+    const struct { const char *b1, *b2, *mac; int result; const char *message; } cases[] = {
         {"00:11:22:33:44:00", "00:11:22:33:44:FF", "00:11:22:33:44:55", 1, ""},
         {"00:11:22:33:44:FF", "00:11:22:33:44:00", "00:11:22:33:44:55", 1, ""},
         {"00:11:22:33:44:00", "00:11:22:33:44:FF", "00:11:22:33:44:00", 1, ""},
