@@ -158,6 +158,7 @@ TEST(TimeZone, RemovesThenWritesTheZoneTextOrRefuses)
         {26, {0x80, 1, 1, 12, 31}, "echo UTC+0UTC-1,0/00:00:00,365/23:59:59 > /etc/TZ", ""},
         {75, {1, 2, 31, 12, 1}, "echo UTC-13UTC-14,61/00:00:00,335/23:59:59 > /etc/TZ", ""},
         {0, {1, 12, 1, 10, 1}, "echo UTC+12UTC+11,335/00:00:00,274/23:59:59 > /etc/TZ", ""},
+        {0, {1, 3, 1, 1, 31}, "echo UTC+12UTC+11,60/00:00:00,30/23:59:59 > /etc/TZ", ""}, // January ends it
         {0, {-1}, nullptr, bad_date}, {0, {0, 0, 0, 0, 0}, nullptr, bad_date}, {0, {1, 3, 1, 13, 1}, nullptr, bad_date},
         {0, {1, 3, 32, 10, 1}, nullptr, bad_date}, {0, {1, 3, 31, 10, 32}, nullptr, bad_date},
         {0, {1, 0, 1, 10, 1}, nullptr, bad_date}, {0, {1, 3, 0, 10, 1}, nullptr, bad_date},
