@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "core/unique.hpp"
 #include "vdev.hpp"
 
 namespace {
@@ -200,7 +201,7 @@ void compare(libiw &iw, const stream_pair &s, int version, int n)
     }
 }
 
-TEST(IwStream, AgreesWithLibiwOnRandomStreams)
+TEST(IwStream, AgreesWithLibiwOnRandomStreamsAndTheRadiosStreams)
 {
     libiw iw;
     ASSERT_TRUE(iw.init && iw.extract) << VESK_LIBIW ": " << dlerror();
@@ -209,12 +210,6 @@ TEST(IwStream, AgreesWithLibiwOnRandomStreams)
         int version = 15 + int(g.pick(8));
         compare(iw, g.make(version), version, n);
     }
-}
-
-TEST(IwStream, AgreesWithLibiwOnTheRadiosStreams)
-{
-    libiw iw;
-    ASSERT_TRUE(iw.init && iw.extract) << dlerror();
     for (const char *range : {"version=22", "version=19 words=64"}) {
         SCOPED_TRACE(range);
         vdev::put("/run/vdev/radio/ath0/range", range);
@@ -225,9 +220,8 @@ TEST(IwStream, AgreesWithLibiwOnTheRadiosStreams)
         } req;
         req.u.data.pointer = buf.data();
         req.u.data.length = uint16_t(buf.size());
-        int fd = socket(AF_INET, SOCK_DGRAM, 0);
-        ASSERT_EQ(ioctl(fd, SIOCGIWSCAN, &req), 0);
-        close(fd);
+        vesk::unique_fd fd(socket(AF_INET, SOCK_DGRAM, 0));
+        ASSERT_EQ(ioctl(fd.get(), SIOCGIWSCAN, &req), 0);
         stream_pair s;
         s.device.assign(buf.data(), req.u.data.length);
         s.host = s.device;

@@ -1,6 +1,6 @@
 // The device model's own promises that the library's tests cannot see: it
-// never writes past the caller's length, failures on demand run out, and the
-// tools and the program share one register file.
+// never writes past the caller's length, and the tools and the program share
+// one register file. (Failures on demand that run out: the QCA survey's polls.)
 #include <errno.h>
 #include <gtest/gtest.h>
 #include <linux/sockios.h>
@@ -64,20 +64,6 @@ TEST(Model, AnswersStopAtTheCallersLength)
     EXPECT_EQ(std::vector<unsigned char>(buf.begin() + 192, buf.begin() + 194), (std::vector<unsigned char>{0, 0}));
     EXPECT_EQ(buf[392 + 16 + 5], 3); // a short entry keeps the fields that fit
     EXPECT_EQ(buf[11], 0xFD);        // rssi -3
-}
-
-TEST(Model, FailuresOnDemandRunOut)
-{
-    vdev::fail_ioctl("ra0", "survey", "EAGAIN", 2);
-    vdev::fail_ioctl("*", "wps_status", "EPERM");
-    std::vector<unsigned char> buf;
-    const int expected[] = {-EAGAIN, -EAGAIN, 6400};
-    for (int want : expected)
-        EXPECT_EQ(ask("ra0", 0x8BE1, 0x0802, buf, 6400), want);
-    EXPECT_EQ(ask("ra1", 0x8BE1, 0x0751, buf, 4), -EPERM);
-    EXPECT_EQ(ask("ra0", 0x8BE1, 0x0751, buf, 4), -EPERM);
-    EXPECT_EQ(vdev::read("/run/vdev/fail/ioctl"), "* wps_status EPERM\n");
-    EXPECT_EQ(vdev::ioctls().front(), "ra0 survey length=6400 channel=4008636142"); // the guard's bytes
 }
 
 TEST(Model, ToolAndProgramShareThePhyRegisters)

@@ -1,11 +1,16 @@
 // The QCA survey against the device model's radio: range data, scan,
-// polling, buffer growth and the cells of its event stream.
+// polling, buffer growth and the cells of its event stream. The security
+// words against Wireshark's own reading of the same elements: each cell's
+// elements go into a beacon frame in a pcap file, tshark names the AKM and
+// cipher suites it finds, and those must give the words that the survey wrote.
 #include <gtest/gtest.h>
 #include <string.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -44,36 +49,29 @@ std::string many_cells(int n)
     return s;
 }
 
+// A record as "channel bssid[5] ssid security rssi dbm type ext".
+std::string rec(const vesk_site_survey_record &r)
+{
+    return std::to_string(r.channel) + " " + std::to_string(r.bssid[5]) + " " + r.ssid + " " + r.security + " " +
+           std::to_string(r.rssi) + " " + std::to_string(r.dbm) + " " + r.wireless_type + " " + r.ex_channel;
+}
+
 TEST(QcaSurvey, DefaultRadioListsItsFiveGigahertzCells)
 {
     int result;
     auto recs = survey("ath0", &result);
     ASSERT_EQ(result, 1);
-    struct row {
-        int channel, last;
-        const char *ssid, *security;
-        int rssi, dbm;
-        const char *type, *ext;
-    } rows[] = {
-        {36, 1, "vesk-office", "WPA2PSK/AES", 70 * 100 / 94, 200 - 161, "11ac", "ABOVE"},
-        {40, 2, "Cafe, Corner", "WPA1PSKWPA2PSK/TKIPAES", 52 * 100 / 94, 190 - 161, "11a/n", "ABOVE"},
-        {149, 3, "guest", "NONE", 30 * 100 / 94, 175 - 161, "11ac", "NONE"},
-        {44, 4, "02:5A:00:00:00:04", "WPA2/AES", 61 * 100 / 94, 195 - 161, "11ac", "BELOW"}, // hidden: its BSSID
-        {48, 6, "old-wep", "WEP", 20 * 100 / 94, 170 - 161, "11a", "NONE"}, // channel 6 left out between
+    // rssi: quality in percent of the range's 94; dbm: the level byte less 161
+    const std::string rows[] = {
+        "36 1 vesk-office WPA2PSK/AES " + std::to_string(70 * 100 / 94) + " 39 11ac ABOVE",
+        "40 2 Cafe, Corner WPA1PSKWPA2PSK/TKIPAES " + std::to_string(52 * 100 / 94) + " 29 11a/n ABOVE",
+        "149 3 guest NONE " + std::to_string(30 * 100 / 94) + " 14 11ac NONE",
+        "44 4 02:5A:00:00:00:04 WPA2/AES " + std::to_string(61 * 100 / 94) + " 34 11ac BELOW", // hidden: its BSSID
+        "48 6 old-wep WEP " + std::to_string(20 * 100 / 94) + " 9 11a NONE", // channel 6 left out between
+        "0 0   0 0  ", // and nothing more
     };
-    for (size_t i = 0; i < std::size(rows); i++) {
-        const row &r = rows[i];
-        SCOPED_TRACE(r.ssid);
-        EXPECT_EQ(recs[i].channel, r.channel);
-        EXPECT_EQ(recs[i].bssid[5], r.last);
-        EXPECT_STREQ(recs[i].ssid, r.ssid);
-        EXPECT_STREQ(recs[i].security, r.security);
-        EXPECT_EQ(recs[i].rssi, r.rssi);
-        EXPECT_EQ(recs[i].dbm, r.dbm);
-        EXPECT_STREQ(recs[i].wireless_type, r.type);
-        EXPECT_STREQ(recs[i].ex_channel, r.ext);
-    }
-    EXPECT_EQ(recs[std::size(rows)].channel, 0);
+    for (size_t i = 0; i < std::size(rows); i++)
+        EXPECT_EQ(rec(recs[i]), rows[i]);
     EXPECT_EQ(vdev::ioctls(), (std::vector<std::string>{"ath0 range length=1176", "ath0 scan channel=0 flags=8",
                                                         "ath0 scan_results length=4095"}));
 }
@@ -118,7 +116,7 @@ TEST(QcaSurvey, PollsWithinItsBudgetAndGrowsTheBufferOnDemand)
         {"short range answer reads as version 9", "length=200", "", 1, -1, {}, 0},
         {"scan refused", "", "ath0 scan EPERM", 1, -1, {}, 0},
     };
-    for (const row &r : rows) {
+    for (const auto &r : rows) {
         SCOPED_TRACE(r.name);
         vdev::put(kAth0 + "range", r.range);
         vdev::put(kAth0 + "cells", many_cells(r.cells));
@@ -146,15 +144,12 @@ TEST(QcaSurvey, PollsWithinItsBudgetAndGrowsTheBufferOnDemand)
 
 TEST(QcaSurvey, RangeDataOfOlderDriversMovesToItsPlace)
 {
-    struct row {
-        const char *range;
-        int version, max_qual, channel_of_5180;
-    } rows[] = {
+    struct { const char *range; int version, max_qual, channel_of_5180; } rows[] = {
         {"version=22 max_qual=70", 22, 70, 36},
         {"version=15 max_qual=70 channels=1,6,36", 15, 70, 36}, // the older layout
         {"length=200", 9, 0, 0},                               // treated as version 9
     };
-    for (const row &r : rows) {
+    for (const auto &r : rows) {
         SCOPED_TRACE(r.range);
         vdev::put(kAth0 + "range", r.range);
         int fd = socket(AF_INET, SOCK_DGRAM, 0);
@@ -168,6 +163,104 @@ TEST(QcaSurvey, RangeDataOfOlderDriversMovesToItsPlace)
     vdev::fail_ioctl("ath0", "range", "ENODEV");
     iw_range range;
     EXPECT_EQ(iw_get_range_info(-1, "ath0", &range), -1);
+}
+
+struct cell {
+    const char *name;
+    bool privacy;
+    const char *ies; // hex, as an access point sends them
+};
+
+// SSID, rates and DS set open every beacon; the security elements follow.
+const cell kCells[] = {
+    {"open with WMM", false, "0004766573 01088c129824b048606c 030124 dd180050f2020101800003a4000027a4000042435e0062322f00"},
+    {"WEP", true, "0004766573 030124"},
+    {"WPA-PSK TKIP", true, "0004766573 dd160050f20101000050f20201000050f20201000050f202"},
+    {"WPA2-PSK CCMP", true, "0004766573 30140100000fac040100000fac040100000fac020c00"},
+    {"WPA/WPA2 mixed, TKIP and CCMP", true,
+     "dd1a0050f20101000050f20202000050f2040050f20201000050f202 30180100000fac020200000fac04000fac020100000fac020000"},
+    {"WPA/WPA2, CCMP in both", true,
+     "dd160050f20101000050f20401000050f20401000050f202 30140100000fac040100000fac040100000fac020000"},
+    {"WPA-PSK, TKIP and CCMP", true, "dd1a0050f20101000050f20202000050f2020050f20401000050f202"},
+    {"WPA2-Enterprise", true, "0004766573 30140100000fac040100000fac040100000fac010000"},
+    {"WPA/WPA2-Enterprise", true,
+     "dd160050f20101000050f20201000050f20201000050f201 30140100000fac020100000fac040100000fac010000"},
+    {"WPA2-PSK with WPS and a Broadcom element", true,
+     "30140100000fac040100000fac040100000fac020000 dd0e0050f204104a0001101044000102 dd090010180200001c0000"},
+    {"RSN cut short before its AKM list", true, "0004766573 30140100000fac040100000fac04"},
+};
+
+// A beacon from 02:5A:00:00:01:NN with the cell's capability and elements,
+// as a line of text2pcap's hex dump.
+std::string beacon(int n, const cell &c)
+{
+    char head[80];
+    snprintf(head, sizeof head, "80000000ffffffffffff025a000001%02x025a000001%02x0000%s6400%02x00", n, n,
+             std::string(16, '0').c_str(), c.privacy ? 0x11 : 0x01);
+    std::string hex = head + std::string(c.ies), line = "000000";
+    hex.erase(std::remove(hex.begin(), hex.end(), ' '), hex.end());
+    for (size_t i = 0; i < hex.size(); i += 2)
+        line += " " + hex.substr(i, 2);
+    return line + "\n";
+}
+
+// The words that tshark's AKM and pairwise suites give.
+std::string words(const std::string &line)
+{
+    std::vector<std::string> f;
+    std::istringstream in(line);
+    for (std::string s; std::getline(in, s, '|');)
+        f.push_back(s);
+    f.resize(5);
+    auto list = [](const std::string &s, bool low_byte) {
+        std::set<long> v;
+        std::istringstream items(s);
+        for (std::string x; std::getline(items, x, ',');)
+            v.insert(low_byte ? std::stol(x) & 0xFF : std::stol(x));
+        return v;
+    };
+    std::set<long> rsn_akm = list(f[0], false), wpa_akm = list(f[2], true), ciphers = list(f[1], false);
+    for (long c : list(f[3], false))
+        ciphers.insert(c);
+    if (rsn_akm.empty() && wpa_akm.empty())
+        return f[4] == "1" ? "WEP" : "NONE";
+    bool psk = rsn_akm.count(2) || wpa_akm.count(2);
+    std::string auth = !wpa_akm.empty() && !rsn_akm.empty() ? (psk ? "WPA1PSKWPA2PSK" : "WPA1WPA2")
+                       : !rsn_akm.empty()                   ? (psk ? "WPA2PSK" : "WPA2")
+                                                            : (psk ? "WPAPSK" : "WPA");
+    std::string cipher = ciphers.count(2) && ciphers.count(4) ? "TKIPAES" : ciphers.count(4) ? "AES" : "TKIP";
+    return auth + "/" + cipher;
+}
+
+TEST(QcaSecurity, WordsMatchWiresharksDissection)
+{
+    std::string cells, dump;
+    for (size_t i = 0; i < std::size(kCells); i++) {
+        std::istringstream elements(kCells[i].ies);
+        char bssid[32];
+        snprintf(bssid, sizeof bssid, "02:5A:00:00:01:%02zX", i);
+        cells += std::string("bssid=") + bssid + " channel=36 mode=master enc=" + (kCells[i].privacy ? "on" : "off");
+        for (std::string ie; elements >> ie;)
+            cells += " ie=" + ie;
+        cells += "\n";
+        dump += beacon(int(i), kCells[i]);
+    }
+    vdev::put("/run/vdev/radio/ath1/cells", cells);
+    vdev::put("/tmp/beacons.txt", dump);
+    ASSERT_EQ(vdev::sh("text2pcap -q -l 105 /tmp/beacons.txt /tmp/beacons.pcap && "
+                       "tshark -r /tmp/beacons.pcap -T fields -E separator='|' -E occurrence=a -E aggregator=, "
+                       "-e wlan.rsn.akms.type -e wlan.rsn.pcs.type -e wlan.wfa.ie.wpa.akms -e wlan.wfa.ie.wpa.ucs.type "
+                       "-e wlan.fixed.capabilities.privacy >/tmp/suites 2>/dev/null"),
+              0);
+    std::istringstream dissected(vdev::read("/tmp/suites"));
+    std::vector<vesk_site_survey_record> recs(VESK_SURVEY_RECORDS_QCA);
+    ASSERT_EQ(vesk_wlan_get_site_survey("ath1", recs.data(), 0), 1);
+    for (size_t i = 0; i < std::size(kCells); i++) {
+        SCOPED_TRACE(kCells[i].name);
+        std::string line;
+        ASSERT_TRUE(std::getline(dissected, line));
+        EXPECT_EQ(recs[i].security, words(line)) << line;
+    }
 }
 
 } // namespace

@@ -31,34 +31,35 @@ std::vector<vesk_site_survey_record> survey_buffer(size_t records, uint32_t chan
     return buf;
 }
 
+// A station record as "index mac percent% stat rank rssi counters".
+std::string sta(const vesk_sta_record &r)
+{
+    char s[160];
+    snprintf(s, sizeof s, "%d %02X:%02X:%02X:%02X:%02X:%02X %d%% stat %u rank %d rssi %d %u,%u,%u,%u", r.index, r.mac[0],
+             r.mac[1], r.mac[2], r.mac[3], r.mac[4], r.mac[5], r.percent, r.stat_value, r.rank_value, r.rssi,
+             r.counters[0], r.counters[1], r.counters[2], r.counters[3]);
+    return s;
+}
+
 TEST(WlanSurvey, FileFillsNoMoreThanTheBuffer)
 {
-    // A line that is no record (an SSID with a line break) is passed over.
-    std::string many = "uptime: 1000\r\nbroken line\r\n";
-    for (int i = 0; i < 70; i++)
+    // A line that is no record (an SSID with a line break) is passed over. Found by fuzzing: the field
+    // after a missing label was copied from no data; it stays empty.
+    std::string many = "uptime: 1000\r\nbroken line\r\n{Ch:11, SSID:Cafe, BSSID:02:AA:00:00:00:01, Sec:NONE, "
+                       "RSSI:81, dbm:-52, Ex_ch:ABO Type:11b/g}\r\n";
+    for (int i = 1; i < 70; i++)
         many += "{Ch:11, SSID:n" + std::to_string(i) +
                 ", BSSID:02:BB:00:00:00:01, Sec:NONE, RSSI:81, dbm:-52, Ex_ch:NONE, Type:11b}\r\n";
     vdev::put("/tmp/survey/ch_11.txt", many);
     vdev::put("/proc/uptime", "1030.99 2000.00\n");
-    auto buf = survey_buffer(VESK_SURVEY_RECORDS_RALINK + 1, 11);
-    buf.back().channel = 99; // guard behind the caller's 64 records
-    EXPECT_EQ(vesk_wlan_get_site_survey("ra0", buf.data(), 30), 0);
-    EXPECT_STREQ(buf[0].ssid, "n0");
-    EXPECT_STREQ(buf[63].ssid, "n63");
-    EXPECT_EQ(buf.back().channel, 99);
+    for (auto [ifname, records] : {std::pair{"ra0", VESK_SURVEY_RECORDS_RALINK}, {"ath0", VESK_SURVEY_RECORDS_QCA}}) {
+        auto buf = survey_buffer(records + 1, 11);
+        buf.back().channel = 99; // guard behind the caller's records
+        EXPECT_EQ(vesk_wlan_get_site_survey(ifname, buf.data(), 30), 0);
+        EXPECT_EQ(std::string(buf[0].ssid) + "|" + buf[0].wireless_type + "|" + buf[63].ssid, "Cafe||n63");
+        EXPECT_EQ(std::make_tuple(buf[64].channel, buf.back().channel), std::make_tuple(records > 64 ? 11 : 99, 99));
+    }
     EXPECT_TRUE(vdev::ioctls().empty());
-}
-
-TEST(WlanSurvey, LineMissingALabelLeavesTheLaterFieldsEmpty)
-{
-    // Found by fuzzing: the field after a missing label was copied from no data.
-    vdev::put("/tmp/survey/ch_6.txt", "uptime: 1000\r\n{Ch:6, SSID:Cafe, BSSID:02:AA:00:00:00:01, Sec:NONE, "
-                                      "RSSI:81, dbm:-52, Ex_ch:ABO Type:11b/g}\r\n");
-    vdev::put("/proc/uptime", "1030.99 2000.00\n");
-    auto buf = survey_buffer(VESK_SURVEY_RECORDS_QCA, 6);
-    EXPECT_EQ(vesk_wlan_get_site_survey("ath0", buf.data(), 30), 0);
-    EXPECT_STREQ(buf[0].ssid, "Cafe");
-    EXPECT_STREQ(buf[0].wireless_type, "");
 }
 
 constexpr char kLab[] = "bssid=02:AA:00:00:00:01 channel=36 ssid=\"Lab, 5G\" security=WPA2PSK/AES rssi=81 type=11a/n "
@@ -67,16 +68,22 @@ constexpr char kLab[] = "bssid=02:AA:00:00:00:01 channel=36 ssid=\"Lab, 5G\" sec
                        "bssid=02:AA:00:00:00:03 channel=36 ssid=Secret security=WEP rssi=35 type=11a ext=BELOW "
                        "dbm=-80 hidden=1\n";
 
+// ra0's survey of the channel at most 30 seconds old into a fresh buffer.
+int ra0_survey(std::vector<vesk_site_survey_record> &buf, uint32_t channel)
+{
+    buf = survey_buffer(VESK_SURVEY_RECORDS_RALINK, channel);
+    return vesk_wlan_get_site_survey("ra0", buf.data(), 30);
+}
+
 TEST(WlanSurvey, RalinkScanThenFile)
 {
     vdev::put("/run/vdev/radio/ra0/survey", kLab);
     vdev::put("/proc/uptime", "500.00 900.00\n");
-    auto scanned = survey_buffer(VESK_SURVEY_RECORDS_RALINK, 36);
-    EXPECT_EQ(vesk_wlan_get_site_survey("ra0", scanned.data(), 30), 1);
+    std::vector<vesk_site_survey_record> scanned, stored, again;
+    EXPECT_EQ(ra0_survey(scanned, 36), 1);
     EXPECT_EQ(vdev::ioctls(), lines{"ra0 survey length=6400 channel=36"});
     // The driver's list stands whole; the file keeps channel 36 only.
-    EXPECT_EQ(scanned[1].channel, 40);
-    EXPECT_STREQ(scanned[2].ssid, ""); // hidden
+    EXPECT_EQ(std::make_tuple(scanned[1].channel, scanned[2].ssid[0]), std::make_tuple(40, '\0')); // [2] is hidden
     EXPECT_EQ(vdev::read("/tmp/survey/ch_36.txt"),
               "uptime: 500\r\n"
               "{Ch:36, SSID:Lab, 5G, BSSID:02:AA:00:00:00:01, Sec:WPA2PSK/AES, RSSI:81, dbm:-52, Ex_ch:ABOVE, "
@@ -84,8 +91,7 @@ TEST(WlanSurvey, RalinkScanThenFile)
               "{Ch:36, SSID:, BSSID:02:AA:00:00:00:03, Sec:WEP, RSSI:35, dbm:-80, Ex_ch:BELOW, Type:11a}\r\n");
 
     vdev::put("/proc/uptime", "530.00 900.00\n");
-    auto stored = survey_buffer(VESK_SURVEY_RECORDS_RALINK, 36);
-    EXPECT_EQ(vesk_wlan_get_site_survey("ra0", stored.data(), 30), 0);
+    EXPECT_EQ(ra0_survey(stored, 36), 0);
     EXPECT_EQ(memcmp(&stored[0], &scanned[0], sizeof stored[0]), 0);
     scanned[2].hidden = 0; // the file tells neither this nor the hidden SSID's bytes behind its terminator
     memset(scanned[2].ssid, 0, sizeof scanned[2].ssid);
@@ -95,35 +101,30 @@ TEST(WlanSurvey, RalinkScanThenFile)
 
     // One second older than asked: scan again. A failing scan keeps the file.
     vdev::put("/proc/uptime", "531.00 900.00\n");
-    auto again = survey_buffer(VESK_SURVEY_RECORDS_RALINK, 36);
-    EXPECT_EQ(vesk_wlan_get_site_survey("ra0", again.data(), 30), 1);
+    EXPECT_EQ(ra0_survey(again, 36), 1);
     EXPECT_EQ(vdev::read("/tmp/survey/ch_36.txt").substr(0, 13), "uptime: 531\r\n");
     vdev::put("/proc/uptime", "600.00 900.00\n");
     vdev::fail_ioctl("ra0", "survey", "EIO");
-    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_wlan_get_site_survey("ra0", again.data(), 30), -1); }),
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(ra0_survey(again, 36), -1); }),
               "ioctl error, get_site_survey:Input/output error\n");
     EXPECT_EQ(vdev::read("/tmp/survey/ch_36.txt").substr(0, 13), "uptime: 531\r\n");
 
     // Every channel: always the driver, never a file.
     vdev::remove("/run/vdev/fail/ioctl");
     vdev::put("/tmp/survey/ch_0.txt", "uptime: 600\r\n");
-    auto all = survey_buffer(VESK_SURVEY_RECORDS_RALINK, 0);
-    EXPECT_EQ(vesk_wlan_get_site_survey("ra0", all.data(), 30), 1);
-    EXPECT_EQ(all[0].channel, 36);
+    EXPECT_EQ(ra0_survey(again, 0), 1);
+    EXPECT_EQ(again[0].channel, 36);
     EXPECT_EQ(vdev::read("/tmp/survey/ch_0.txt"), "uptime: 600\r\n");
 
     // Without the directory every request scans and nothing is stored.
     ASSERT_EQ(vdev::sh("rm -r /tmp/survey"), 0);
     for (int i = 0; i < 2; i++)
-        EXPECT_EQ(vesk_wlan_get_site_survey("ra0", survey_buffer(VESK_SURVEY_RECORDS_RALINK, 36).data(), 30), 1);
+        EXPECT_EQ(ra0_survey(again, 36), 1);
 }
 
 TEST(WlanDispatch, NameChoosesTheFamily)
 {
-    const struct {
-        const char *ifname, *err;
-        lines commands;
-    } cases[] = {
+    const struct { const char *ifname, *err; lines commands; } cases[] = {
         {"ra15", "vesk_get_wlan_ch_info_ralink,error!!!\n", {}}, // no such interface: no command
         {"radio", "vesk_get_wlan_ch_info_ralink,error!!!\n", {}},
         {"ath7", "", {"wlanconfig ath7 list active"}},
@@ -162,13 +163,7 @@ TEST(WlanStations, RalinkTableAndQcaEntries)
     vesk_sta_table table = {};
     EXPECT_EQ(vesk_wlan_get_sta_info("ra0", &table), 1);
     ASSERT_EQ(table.count, 2);
-    const vesk_sta_record &r = table.records[1];
-    EXPECT_EQ(r.index, 1);
-    EXPECT_EQ(r.mac[5], 0x02);
-    EXPECT_EQ(r.percent, 44);
-    EXPECT_EQ(r.rank_value, 72);
-    EXPECT_EQ(r.rssi, -71);
-    EXPECT_EQ(r.counters[3], 1u);
+    EXPECT_EQ(sta(table.records[1]), "1 02:10:20:30:40:02 44% stat 11 rank 72 rssi -71 40,12,0,1");
     EXPECT_EQ(vesk_get_wlan_client_num("ra0"), 2);
 
     // Entries of 200 bytes, trailing bytes too few for an entry, on ath3;
@@ -181,16 +176,8 @@ TEST(WlanStations, RalinkTableAndQcaEntries)
     EXPECT_EQ(vesk_wlan_get_qca_sta_info_need_clear("ath3", &table), 1);
     EXPECT_EQ(vdev::ioctls().back(), "ath3 stations length=24576 flags=1");
     EXPECT_EQ(table.count, 7);
-    const vesk_sta_record &q = table.records[1];
-    EXPECT_EQ(table.records[0].index, 3);
-    EXPECT_EQ(table.records[0].rank_value, 65535);
-    EXPECT_EQ(table.records[0].percent, 96);
-    EXPECT_EQ(q.mac[5], 0x12);
-    EXPECT_EQ(q.rssi, -1);
-    EXPECT_EQ(q.percent, 10);
-    EXPECT_EQ(q.stat_value, 433u);
-    EXPECT_EQ(q.counters[0], 5u);
-    EXPECT_EQ(q.counters[3], 8u);
+    EXPECT_EQ(sta(table.records[0]), "3 02:10:20:30:40:11 96% stat 866 rank 65535 rssi 38 1,2,3,4");
+    EXPECT_EQ(sta(table.records[1]), "3 02:10:20:30:40:12 10% stat 433 rank 40 rssi -1 5,6,7,8");
 
     // More entries than a table holds; a length of 0 ends the walk.
     std::string many;
@@ -240,11 +227,7 @@ TEST(WlanStations, RadioOfAStation)
 
 TEST(WlanChannels, FromDriverStatisticsAndTool)
 {
-    const struct {
-        const char *stat;
-        int result;
-        vesk_wlan_ch_info info;
-    } ralink[] = {
+    const struct { const char *stat; int result; vesk_wlan_ch_info info; } ralink[] = {
         {"PrimaryChannel = 6\nCentralChannel = 6\nVHTCentralChannel = -1\n", 1, {6, {6, 0, 0}}},
         {"PrimaryChannel = 6\nCentralChannel = 4\n", 1, {6, {2, 0, 0}}},
         {"PrimaryChannel = 2\nCentralChannel = 4\n", 1, {2, {6, 0, 0}}},
@@ -300,11 +283,7 @@ TEST(WlanWps, StatusAndProfileFromTheDriver)
 
 TEST(WlanSchedule, StatusFollowsTheRecord)
 {
-    const struct {
-        int ssids, radio_down;
-        unsigned int down_mask;
-        int mode, wds_peers, status;
-    } cases[] = {
+    const struct { int ssids, radio_down; unsigned int down_mask; int mode, wds_peers, status; } cases[] = {
         {3, 0, 0b111, 0, 0, 1},  {3, 1, 0b111, 0, 0, 2},  {3, 1, 0b101, 0, 0, 3},  {3, 0, 0b101, 0, 0, 0},
         {3, 0, 0b1011, 0, 0, 0}, // bit 3 lies above the count
         {0, 0, 0, 0, 0, 1},      {3, 2, 0b111, 0, 0, 0},  {3, 0, 0b111, 3, 0, 0},  {3, 0, 0b111, 4, 1, 0},
@@ -355,13 +334,9 @@ TEST(WlanSchedule, SwitchesRadioAndSsidsInOrder)
     // With both schedules off the mask is kept in its slot but nothing is down.
     set_number("scheduleS_5g_en", 0);
     EXPECT_EQ(vesk_find_SSID_will_be_down(1, 1, 7), 0u);
-    vesk_wlif_info info = wlif();
-    EXPECT_EQ(info.slot_mask[1][1][0], 7);
-    EXPECT_EQ(info.down_mask[1][0], 0);
+    EXPECT_EQ(std::make_tuple(wlif().slot_mask[1][1][0], wlif().down_mask[1][0]), std::make_tuple(7, 0));
     EXPECT_EQ(reset_SSID_onoff_status(1), 0);
-    info = wlif();
-    EXPECT_EQ(info.slot_mask[1][1][0], 0);
-    EXPECT_EQ(info.slot_mask[0][1][0], 0b101); // radio 0 kept its state
+    EXPECT_EQ(std::make_tuple(wlif().slot_mask[1][1][0], wlif().slot_mask[0][1][0]), std::make_tuple(0, 0b101)); // radio 0 kept its state
 
     // Places outside the record are refused and change nothing.
     const vesk_wlif_info before = wlif();
@@ -379,10 +354,7 @@ TEST(WlanSchedule, SwitchesRadioAndSsidsInOrder)
 
 TEST(WlanSchedule, ApWdsModeAndPeers)
 {
-    const struct {
-        unsigned char radio;
-        int enable, mode, result;
-    } cases[] = {{0, 1, 0, 1}, {1, 1, 3, 2}, {2, 1, 4, 3}, {2, 1, 0x203, 2}, {1, 1, 5, 0}, {1, 0, 0, 0}};
+    const struct { unsigned char radio; int enable, mode, result; } cases[] = {{0, 1, 0, 1}, {1, 1, 3, 2}, {2, 1, 4, 3}, {2, 1, 0x203, 2}, {1, 1, 5, 0}, {1, 0, 0, 0}};
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::Message() << int(c.radio) << " " << c.mode);
         const int number = c.radio ? c.radio : 1;
@@ -465,6 +437,75 @@ TEST(Snmp, IndexByNameOnTheDualBoard)
         EXPECT_EQ(vesk_snmp_get_index_by_ifname(0, c.ifname), c.index) << c.ifname;
     EXPECT_EQ(vesk_snmp_get_index_by_ifname(7, nullptr), 0);
     EXPECT_EQ(vesk_wlan_get_board_dual_mode(-3), 4);
+}
+
+// iwconfig's text into vesk_wlan_info, with the stand-in tool printing the
+// real tool's layouts from the radio's settings.
+constexpr char kRadio[] = "ath7";
+
+// The record's fields in order, "." for a field left as it was (0x7F bytes).
+std::string fields(const vesk_wlan_info &i)
+{
+    std::string out;
+    for (int v : {i.linkQuality, i.signalLevel, i.noiseLevel, i.isLevelinDbm, i.bitRate, i.channel, i.frequency})
+        out += (v == 0x7F7F7F7F ? std::string(".") : std::to_string(v)) + " ";
+    const std::string mac(i.Mac, strnlen(i.Mac, sizeof i.Mac));
+    return out + (mac == std::string(sizeof i.Mac, '\x7F') ? "." : mac);
+}
+
+TEST(WlanIwconfig, ReadsBothFormsAndBothKindsOfLevel)
+{
+    // quality signal noise dBm rate channel MHz access point
+    const struct { const char *settings, *fields; } rows[] = {
+        // ":" forms, levels in dBm
+        {"freq=5.18\nap=02:00:00:00:01:00\nrate=300\nquality=70/94\nsignal=-30\nnoise=-95\n",
+         "70 -30 -95 1 300 . 5180 02:00:00:00:01:00"},
+        // "=" forms, relative levels; the transmit power alone says dBm
+        {"freq=2.437\nrate=54\ntxpower=20\nfixed=1\nupdated=1\nquality=47/100\nsignal=47/100\nnoise=3/100\n",
+         "47 47 3 1 54 . 2437 Not-Associated"},
+        {"freq=5.745\nfixed=1\nsignal=60/100\n", ". 60 . 0 . . 5745 Not-Associated"},
+        // one digit after the point gains its zeros over the lines behind it
+        {"freq=5.2\n", ". . . 0 . . 5200 Not-Associated"},
+        // a channel only in the "=" form
+        {"channel=11\nfixed=1\n", ". . . 0 . 11 0 Not-Associated"},
+        {"channel=11\n", ". . . 0 . . 0 Not-Associated"},
+        // an access point's text longer than the field is cut to it
+        {"ap=0123456789ABCDEFGHIJKLMNOP\n", ". . . 0 . . 0 0123456789ABCDEFGHI"},
+    };
+    vdev::sh(std::string("ip link add ") + kRadio + " type veth peer name air7; mkdir -p /run/vdev/radio/" + kRadio);
+    for (const auto &r : rows) {
+        SCOPED_TRACE(r.settings);
+        vdev::put(std::string("/run/vdev/radio/") + kRadio + "/iwconfig", r.settings);
+        vesk_wlan_info info;
+        memset(&info, 0x7F, sizeof info);
+        EXPECT_EQ(vesk_get_wlan_interface_info(kRadio, &info), 1);
+        EXPECT_EQ(fields(info), r.fields);
+    }
+    EXPECT_EQ(vdev::commands().back(), std::string("iwconfig ") + kRadio + ">/tmp/iwconfig_result.txt");
+}
+
+TEST(WlanIwconfig, WithoutWirelessExtensionsOnlyTheUnitIsSet)
+{
+    vesk_wlan_info info;
+    memset(&info, 0x7F, sizeof info);
+    EXPECT_EQ(vesk_get_wlan_interface_info("eth2", &info), 1); // the tool said so on stderr
+    EXPECT_EQ(fields(info), ". . . 0 . . . .");
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_get_wlan_interface_info(nullptr, &info), 0); }),
+              "Err: vesk_get_wlan_interface_info, dev_name is NULL!\n");
+}
+
+TEST(WlanIwconfig, EscapedKeyReadsBackThroughTheShell)
+{
+    for (const char *key : {"a b", "x;y", "plain123", "\"\\'`&()<>|; all twelve"}) {
+        SCOPED_TRACE(key);
+        std::string escaped(2 * strlen(key) + 1, '\0');
+        vesk_check_wep_key_using_iwconfig(key, escaped.data());
+        ASSERT_EQ(vdev::sh("printf %s " + std::string(escaped.c_str()) + " >/tmp/key"), 0);
+        EXPECT_EQ(vdev::read("/tmp/key"), key);
+    }
+    char out[4] = "zz";
+    vesk_check_wep_key_using_iwconfig(nullptr, out);
+    EXPECT_STREQ(out, "");
 }
 
 } // namespace
