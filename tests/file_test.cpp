@@ -71,7 +71,6 @@ TEST(FileText, TruncateKeepsTheLastLinesByteForByte)
         {"one past the maximum keeps max - free", numbered(1, 1001), 1000, 100, numbered(102, 1001)},
         {"nothing to free keeps exactly max", numbered(1, 12), 10, 0, numbered(3, 12)},
         {"free equal to max empties it", numbered(1, 11), 10, 10, ""},
-        {"zero maximum empties any file", numbered(1, 1), 0, 0, ""},
         {"percent signs", "a\n%s %d %n\n100%\n", 2, 0, "%s %d %n\n100%\n"},
         {"last line without newline", "a\nb\nc", 2, 1, "c"},
         // n counts the long line once, the copy loop twice: one more line survives.

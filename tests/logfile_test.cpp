@@ -6,6 +6,7 @@
 
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "fake_clock.hpp"
@@ -69,6 +70,15 @@ protected:
     {
         return vesk_logfile_get_last_record_date_and_number(kDir, "sys", tag_in, tag, date, number, "log");
     }
+    // Result, tag, date and number of a look-up into unterminated outputs and a number of 42.
+    static std::tuple<int, std::string, std::string, int> last_record(const char *tag_in)
+    {
+        char tag[129], date[129];
+        memset(tag, 'x', 128), memset(date, 'x', 128), tag[128] = date[128] = '\0';
+        int number = 42;
+        const int rc = last_record(tag_in, tag, date, &number);
+        return {rc, tag, date, number};
+    }
 };
 
 TEST_F(LogFile, ListsEveryTagAndDayOfThePrefix)
@@ -87,7 +97,7 @@ TEST_F(LogFile, ListsEveryTagAndDayOfThePrefix)
 TEST_F(LogFile, NextNameOfTheDay)
 {
     const struct { const char *today; void (*fill)(); const char *next, *messages; } cases[] = {
-        {"20150528", [] {}, "sys_kern_20150528_00.log", kNoRecord},
+        {"21000101", [] {}, "sys_kern_21000101_00.log", kNoRecord}, // past 2038
         {"20150528", [] { numbered("20150528", 0, 4); }, "sys_kern_20150528_05.log", ""},
         // The 25th passes the pattern but is another day; the 28th lies
         // outside the ten days of the 30th.
@@ -120,12 +130,8 @@ TEST_F(LogFile, NextNameOfTheDay)
 TEST_F(LogFile, LastRecordOfTheDay)
 {
     numbered("20150522", 0, 3), numbered("20150528", 0, 4);
-    char tag[128], date[128];
-    int number = -7;
-    memset(tag, 'x', sizeof tag);
     vdev::clear_journal();
-    EXPECT_EQ(last_record("kern", tag, date, &number), 1);
-    EXPECT_EQ(std::make_tuple(std::string(tag), std::string(date), number), std::make_tuple("kern", "20150528", 4));
+    EXPECT_EQ(last_record("kern"), std::make_tuple(1, "kern", "20150528", 4));
     lines want = kListing;
     want.insert(want.end(), {"grep -h 'sys_kern_20150528*' /var/logfile_list.txt > /var/logfile_today_list.txt",
                              "rm -rf /var/logfile_today_list.txt"});
@@ -133,18 +139,14 @@ TEST_F(LogFile, LastRecordOfTheDay)
 
     // A tag with "_" in it shifts the fields: the record is misread.
     files({"sys_a_b_20150528_03.log"});
-    EXPECT_EQ(last_record("a_b", tag, date, &number), 1);
-    EXPECT_EQ(std::make_tuple(std::string(tag), std::string(date), number), std::make_tuple("a", "b", 20150528));
+    EXPECT_EQ(last_record("a_b"), std::make_tuple(1, "a", "b", 20150528));
 }
 
 TEST_F(LogFile, FailureLeavesOutputsEmptyAndNumberAlone)
 {
     files({"sys_kern_20150528.log"});
     for (const char *messages : {kNoNumber, kNoRecord}) {
-        char tag[128] = "old", date[128] = "old";
-        int number = 42;
-        EXPECT_EQ(library_stderr([&] { EXPECT_EQ(last_record("kern", tag, date, &number), 0); }), messages);
-        EXPECT_EQ(std::make_tuple(std::string(tag), std::string(date), number), std::make_tuple("", "", 42));
+        EXPECT_EQ(library_stderr([&] { EXPECT_EQ(last_record("kern"), std::make_tuple(0, "", "", 42)); }), messages);
         // kept until the next call
         EXPECT_EQ(vdev::read("/var/logfile_today_list.txt"), messages == kNoNumber ? "sys_kern_20150528.log\n" : "");
         vdev::sh(std::string("rm ") + kDir + "/*");
@@ -163,16 +165,14 @@ TEST_F(LogFile, NullArgumentsAndOverlongNames)
     }
     char tag[128] = "old", date[128] = "old";
     int number = 42;
-    EXPECT_EQ(stderr_of([&] {
-                  EXPECT_EQ(last_record(nullptr, tag, date, &number), 0);
-                  EXPECT_EQ(last_record("kern", tag, date, nullptr), 0);
-              }), "Error: vesk_logfile_get_last_record_date_and_number, input is NULL!\n"
-                  "Error: vesk_logfile_get_last_record_date_and_number, input is NULL!\n");
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(last_record(nullptr, tag, date, &number) + last_record("kern", tag, date, nullptr), 0); }),
+              "Error: vesk_logfile_get_last_record_date_and_number, input is NULL!\n"
+              "Error: vesk_logfile_get_last_record_date_and_number, input is NULL!\n");
     EXPECT_EQ(std::make_tuple(std::string(tag), std::string(date), number), std::make_tuple("", "", 42));
     EXPECT_EQ(vdev::commands(), lines{});
     // The grep pattern "sys_TAG_DATE*" has 256 bytes: a tag of 242 characters is refused before grep runs.
     const std::string tag242(242, 't');
-    EXPECT_EQ(library_stderr([&] { EXPECT_EQ(last_record(tag242.c_str(), tag, date, &number), 0); }),
+    EXPECT_EQ(library_stderr([&] { EXPECT_EQ(std::get<0>(last_record(tag242.c_str())), 0); }),
               "vesk_logfile_get_last_record_date_and_number: name parts too long!\n");
     EXPECT_EQ(vdev::commands(), kListing);
 

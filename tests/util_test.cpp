@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "fake_clock.hpp"
 #include "net_helpers.hpp"
 #include "vesk_util.h"
 
@@ -34,11 +35,6 @@ TEST(CheckString, Escapes)
         EXPECT_STREQ(plain.c_str(), c.shell); // any non-zero for_shell
         EXPECT_EQ(shell.substr(room), "xxxx");
     }
-    // Every one of the sixteen at once fills the whole room.
-    const char all[] = "\"#$&'()*;<>\\`|~ ";
-    char out[2 * sizeof all - 1];
-    vesk_util_check_string_on_shell_cmd(all, out);
-    EXPECT_EQ(strlen(out), 32u);
     vesk_util_check_string_on_web("x", nullptr); // no destination: nothing happens
 }
 
@@ -71,20 +67,16 @@ TEST(RandomSeed, StirsMacAndTimeIntoThePool)
 {
     ASSERT_EQ(vdev::sh("ip link add eth7 type veth peer name eth7p && ip link set eth7 address 00:11:22:33:44:55 && "
                        "ip link set eth7p address 00:00:ff:ff:ff:ff"), 0);
+    fake_clock::scoped clock(1432787445);
     // Bytes of 0xFF count as -1.
     for (auto [ifname, mac] : {std::pair<const char *, unsigned>{"eth7", 0x22334455}, {"eth7p", 0xFEFEFEFF},
                                {nullptr, 0}, {"nosuch0", 0}}) {
         SCOPED_TRACE(ifname ? ifname : "(null)");
         const std::string empty;
         replace_urandom(&empty); // catch the echo in a file
-        unsigned int before = time(nullptr), now = 0;
-        std::string printed = stderr_of([&] { EXPECT_EQ(vesk_util_generate_random_seed(ifname), 0); });
-        unsigned int after = time(nullptr);
-        ASSERT_EQ(sscanf(printed.c_str(), "Mac: %*u, rtcTime:%u\n", &now), 1) << printed;
-        EXPECT_EQ(printed, "Mac: " + std::to_string(mac) + ", rtcTime:" + std::to_string(now) + "\n");
-        EXPECT_GE(now, before);
-        EXPECT_LE(now, after);
-        EXPECT_EQ(vdev::read("/dev/urandom"), std::to_string(mac + now) + "\n");
+        EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_util_generate_random_seed(ifname), 0); }),
+                  "Mac: " + std::to_string(mac) + ", rtcTime:1432787445\n");
+        EXPECT_EQ(vdev::read("/dev/urandom"), std::to_string(mac + 1432787445u) + "\n");
     }
     // The result is CMD's: a pool that cannot be written fails the echo.
     replace_urandom(nullptr);
