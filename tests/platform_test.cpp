@@ -112,15 +112,11 @@ TEST(FileQueries, PidFileNamesALiveProcess)
 
 TEST(Quil, NumbersAndRecordsRoundTrip)
 {
-    int n = 42;
-    ASSERT_EQ(quil_set_value(&n, "radio_opmode_1"), 0);
-    EXPECT_EQ(quil_get_int_value("radio_opmode_%d", 1), 42);
+    for (int n : {42, 7}) // overwriting keeps one line per key
+        ASSERT_EQ(quil_set_value(&n, "radio_opmode_1"), 0);
+    EXPECT_EQ(quil_get_int_value("radio_opmode_%d", 1), 7);
     EXPECT_EQ(quil_get_int_value("wl%d%dhidessid", 1, 2), 0); // unset
-    n = 7; // overwriting keeps one line per key
-    ASSERT_EQ(quil_set_value(&n, "radio_opmode_1"), 0);
-    EXPECT_EQ(quil_get_int_value("radio_opmode_1"), 7);
-    std::string file = vdev::read(QUIL_DAT_FILE);
-    EXPECT_EQ(file.find("radio_opmode_1="), file.rfind("radio_opmode_1="));
+    EXPECT_EQ(vdev::read(QUIL_DAT_FILE), "radio_opmode_1=7\n");
 
     unsigned char rec[74], got[80];
     for (size_t i = 0; i < sizeof rec; i++)
@@ -130,10 +126,6 @@ TEST(Quil, NumbersAndRecordsRoundTrip)
     EXPECT_EQ(quil_get_value(got, "admin_cfg"), 1);
     EXPECT_EQ(memcmp(got, rec, sizeof rec), 0);
     EXPECT_EQ(got[74], 0xEE); // the key fixes the size: nothing past 74 bytes
-    ASSERT_EQ(quil_set_value(rec, "wl2wds_basic_3"), 0);
-    memset(got, 0, sizeof got);
-    EXPECT_EQ(quil_get_value(got, "wl%dwds_basic_%d", 2, 3), 1);
-    EXPECT_EQ(memcmp(got, rec, 9), 0);
 }
 
 TEST(Quil, UnknownKeysAndMissingValuesAreRefused)
@@ -146,8 +138,7 @@ TEST(Quil, UnknownKeysAndMissingValuesAreRefused)
     });
     EXPECT_NE(err.find("no_such_key"), std::string::npos) << err;
     EXPECT_EQ(quil_get_value(buf, "timedaylight"), 0); // known but unset
-    for (unsigned char b : buf)
-        EXPECT_EQ(b, 0);
+    EXPECT_EQ(std::string(reinterpret_cast<char *>(buf), sizeof buf), std::string(sizeof buf, '\0'));
     EXPECT_EQ(vdev::read(QUIL_DAT_FILE), "");
 }
 
