@@ -168,7 +168,7 @@ TEST(WlanStations, RalinkTableAndQcaEntries)
 
     // Entries of 200 bytes, trailing bytes too few for an entry, on ath3;
     // the stations are added to what the table counted.
-    vdev::put("/run/vdev/radio/ath3/stations", "mac=02:10:20:30:40:11 rssi=38 rank=65535 stat=866 counters=1,2,3,4 size=200\n"
+    vdev::put("/run/vdev/radio/ath3/stations", "mac=02:10:20:30:40:11 rssi=38 rank=65535 stat=866 counters=1,2,3,67305985 size=200\n"
                                               "mac=02:10:20:30:40:12 rssi=-1 rank=40 stat=433 counters=5,6,7,8 size=200\n"
                                               "mac=02:10:20:30:40:13 size=100\n");
     table = {};
@@ -176,7 +176,7 @@ TEST(WlanStations, RalinkTableAndQcaEntries)
     EXPECT_EQ(vesk_wlan_get_qca_sta_info_need_clear("ath3", &table), 1);
     EXPECT_EQ(vdev::ioctls().back(), "ath3 stations length=24576 flags=1");
     EXPECT_EQ(table.count, 7);
-    EXPECT_EQ(sta(table.records[0]), "3 02:10:20:30:40:11 96% stat 866 rank 65535 rssi 38 1,2,3,4");
+    EXPECT_EQ(sta(table.records[0]), "3 02:10:20:30:40:11 96% stat 866 rank 65535 rssi 38 1,2,3,67305985");
     EXPECT_EQ(sta(table.records[1]), "3 02:10:20:30:40:12 10% stat 433 rank 40 rssi -1 5,6,7,8");
 
     // More entries than a table holds; a length of 0 ends the walk.
