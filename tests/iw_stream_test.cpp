@@ -160,6 +160,7 @@ void compare(libiw &iw, const stream_pair &s, int version, int n)
     for (int i = 0; i < 64; i++) {
         reading mine = read_one(iw_extract_event_stream, a, version);
         reading theirs = read_one(iw.extract, b, version);
+        ASSERT_FALSE(mine.past_end) << "stream " << n << " v" << version << " call " << i;
         if (mine.e.cmd == IWEV_PHY_MODE && (mine.result == 1 || mine.result == -2)) {
             // libiw's table ends at 0x8C09: it passes over the PHY mode, which the survey needs
             ASSERT_EQ(theirs.result, 2);
@@ -209,6 +210,14 @@ TEST(IwStream, AgreesWithLibiwOnRandomStreamsAndTheRadiosStreams)
     for (int n = 0; n < 10000 && !testing::Test::HasFatalFailure(); n++) {
         int version = 15 + int(g.pick(8));
         compare(iw, g.make(version), version, n);
+    }
+    {
+        // Before version 19 the other word size's length is read from other bytes than
+        // the count checked: its payload must still end within the stream.
+        char cut[20] = {20, 0, 0x1B, char(0x8B), 0, 0, 0, 0, 2, 0, 1, 0};
+        vesk_iw_stream s;
+        iw_init_event_stream(&s, cut, sizeof cut);
+        EXPECT_FALSE(read_one(iw_extract_event_stream, s, 18).past_end);
     }
     for (const char *range : {"version=22", "version=19 words=64"}) {
         SCOPED_TRACE(range);

@@ -153,7 +153,9 @@ void read_payload(vesk_iw_stream &s, iw_event &iwe, const descriptor &d, char *p
             tokens = alt;
         }
     }
-    if (tokens > extra || tokens > room)
+    // Before version 19 the other layout's length comes from other bytes than
+    // the count checked: the length given must fit the stream as well.
+    if (tokens > extra || tokens > room || long(iwe.u.data.length) * d.token_size > room)
         return;
     if ((iwe.u.data.length > d.max_tokens && !(d.flags & kNoMax)) || iwe.u.data.length < d.min_tokens)
         return;
