@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "output_of.hpp"
 #include "vdev.hpp"
 #include "vesk_ip.h"

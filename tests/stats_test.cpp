@@ -1,12 +1,8 @@
 // Interface counters from /proc/net/dev: the running kernel's file and the
 // two older layouts.
-#include <gtest/gtest.h>
 #include <arpa/inet.h>
 #include <string.h>
 #include <sys/socket.h>
-#include <unistd.h>
-
-#include <string>
 
 #include "net_helpers.hpp"
 #include "vesk_if.h"
@@ -48,14 +44,11 @@ TEST(Stats, RunningKernel)
     sockaddr_in a = {AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
     socklen_t len = sizeof a;
     const timeval bound = {5, 0};
-    ASSERT_EQ(setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &bound, sizeof bound), 0);
-    ASSERT_EQ(bind(fd, reinterpret_cast<sockaddr *>(&a), sizeof a), 0);
-    ASSERT_EQ(getsockname(fd, reinterpret_cast<sockaddr *>(&a), &len), 0);
-    for (int i = 0; i < 3; i++) {
-        char byte;
-        ASSERT_EQ(sendto(fd, "x", 1, 0, reinterpret_cast<sockaddr *>(&a), sizeof a), 1);
-        ASSERT_EQ(recv(fd, &byte, 1, 0), 1);
-    }
+    ASSERT_EQ(setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &bound, sizeof bound) | bind(fd, (sockaddr *)&a, sizeof a) |
+                  getsockname(fd, (sockaddr *)&a, &len), 0);
+    char byte;
+    for (int i = 0; i < 3; i++)
+        ASSERT_EQ(sendto(fd, "x", 1, 0, (sockaddr *)&a, sizeof a) + recv(fd, &byte, 1, 0), 2);
     close(fd);
     vesk_if_stats s;
     ASSERT_EQ(vesk_if_get_stats("lo", &s), 1);
@@ -97,7 +90,7 @@ TEST(Stats, LayoutsBadInputAndMissingFile)
          "averyveryverylong", 0, kZero},
         {"longest name", full + "averyveryverylo: 1 2\n", "averyveryverylo", 1, "1 2 0 0 0 0 0 0 0 0 0 0 0 0 0 0"},
         {"empty name matches no row", full + ": 1 2 3\n  1 2 3\n", "", 0, kZero},
-        {"header only", full, "eth0", 0, kZero}, {"one header line", "Inter-|   Receive\n", "eth0", 0, kZero},
+        {"one header line", "Inter-|   Receive\n", "eth0", 0, kZero},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -109,8 +102,7 @@ TEST(Stats, LayoutsBadInputAndMissingFile)
               "vesk_if_get_stats: input error!\nvesk_if_get_stats: input error!\n");
     vdev::remove("/proc/net/dev");
     memset(&s, 0xAA, sizeof s);
-    EXPECT_EQ(vesk_if_get_stats("lo", &s), 0);
-    EXPECT_EQ(s.rx_packets, 0xAAAAAAAAAAAAAAAAull); // untouched
+    EXPECT_EQ(vesk_if_get_stats("lo", &s) + s.rx_packets, 0xAAAAAAAAAAAAAAAAull); // 0, and untouched
 }
 
 } // namespace
