@@ -15,24 +15,19 @@ constexpr char kHeader[] = "IP address       HW type     Flags       HW address 
 
 TEST(ArpTable, KernelNeighbours)
 {
-    // Neighbours in the kernel's own table: 192.0.2.20 on br0 behind port eth2
-    // (static forwarding entry), 192.0.2.21 on br0 unknown to the bridge,
-    // 198.51.100.20 on eth1, 203.0.113.2 on xbr0 (a plain veth whose name holds "br").
-    // Neighbours behind br0 are traced through the bridge's forwarding table.
-    ASSERT_EQ(vdev::sh("bridge link set dev eth2 learning off"
-                       " && bridge fdb add 02:00:00:00:00:14 dev eth2 master static"
-                       " && ip neigh add 192.0.2.20 lladdr 02:00:00:00:00:14 dev br0 nud permanent"
+    // Neighbours in the kernel's own table: 192.0.2.20 on br0 behind port eth2 (static forwarding entry),
+    // 192.0.2.21 on br0 unknown to the bridge, 198.51.100.20 on eth1, 203.0.113.2 on xbr0 (a plain veth
+    // whose name holds "br"). Neighbours behind br0 are traced through the bridge's forwarding table.
+    ASSERT_EQ(vdev::sh("bridge link set dev eth2 learning off && bridge fdb add 02:00:00:00:00:14 dev eth2 master"
+                       " static && ip neigh add 192.0.2.20 lladdr 02:00:00:00:00:14 dev br0 nud permanent"
                        " && ip neigh add 192.0.2.21 lladdr 02:00:00:00:00:15 dev br0 nud permanent"
-                       " && ip link add eth1 type veth peer name eth1p && ip link set eth1 up"
-                       " && ip addr add 198.51.100.1/24 dev eth1"
-                       " && ip neigh add 198.51.100.20 lladdr 0a:1b:2c:3d:4e:5f dev eth1 nud permanent"
-                       " && ip link add xbr0 type veth peer name xbr0p && ip link set xbr0 up"
-                       " && ip addr add 203.0.113.1/24 dev xbr0"
-                       " && ip neigh add 203.0.113.2 lladdr 02:00:00:00:00:16 dev xbr0 nud permanent"), 0);
-    // A null ifname: not found.
+                       " && ip link add eth1 type veth peer name eth1p && ip link set eth1 up && ip addr add"
+                       " 198.51.100.1/24 dev eth1 && ip neigh add 198.51.100.20 lladdr 0a:1b:2c:3d:4e:5f dev eth1"
+                       " nud permanent && ip link add xbr0 type veth peer name xbr0p && ip link set xbr0 up && ip"
+                       " addr add 203.0.113.1/24 dev xbr0 && ip neigh add 203.0.113.2 lladdr 02:00:00:00:00:16 dev"
+                       " xbr0 nud permanent"), 0);
     const struct { const char *ip, *ifname, *macstr, *err; } cases[] = {
-        {"192.0.2.20", "eth2", "020000000014", ""},
-        {"192.0.2.21", "unknown", "020000000015", ""},
+        {"192.0.2.20", "eth2", "020000000014", ""}, {"192.0.2.21", "unknown", "020000000015", ""},
         {"198.51.100.20", "eth1", "0a1b2c3d4e5f", ""},
         {"198.51.100.2", nullptr, "000000000000", ""}, // compared whole, not as a prefix
         {"203.0.113.2", "unknown", "020000000016", "read of forward table failed: Operation not supported\n"},
@@ -70,8 +65,7 @@ TEST(ArpFile, RowsAsTheFileWritesThem)
     const struct { const char *ip, *ifname, *macstr; } cases[] = {
         {"192.0.2.2", "eth1", "001A2B3C4D5E"}, // first row wins; case as in the file
         {"192.0.2.3", "-", "000000000000"},    // row ends early; incomplete entry
-        {"192.0.2.4", "ath0", "020000000004"},
-        {"192.0.2.8", "-", ""}, // the scan stops at a column that is no number
+        {"192.0.2.4", "ath0", "020000000004"}, {"192.0.2.8", "-", ""}, // .8: no number in Flags, the scan stops
     };
     for (const auto &c : cases) {
         EXPECT_STREQ(vesk_arp_get_ifname_by_ip(c.ip), c.ifname) << c.ip;
@@ -97,8 +91,6 @@ TEST(ArpFile, RowsAsTheFileWritesThem)
     EXPECT_STREQ(vesk_arp_get_macstr_by_ip("192.0.2.2", 0), "000000000000");
     EXPECT_STREQ(vesk_arp_get_ip_by_macstr("001122334455"), "0.0.0.0");
 }
-
-// ---- the ARP frames on the wire ---------------------------------------------
 
 // The ARP frames that reach ifname (the first within 2 s, the next ones
 // within 0.2 s), from a packet socket bound before send() runs.
@@ -134,9 +126,7 @@ std::vector<unsigned char> expected_frame(const std::vector<unsigned char> &mac,
 
 TEST(GratArp, FrameOfTheBridgeOrNothing)
 {
-    auto frames = frames_on("lan0", [] {
-        EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_send_grat_arp(), 1); }), "");
-    });
+    auto frames = frames_on("lan0", [] { EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_send_grat_arp(), 1); }), ""); });
     ASSERT_EQ(frames.size(), 1u);
     // The target word 0xFF000000 in the little-endian host's order.
     const unsigned char target[4] = {0, 0, 0, 0xFF};
@@ -154,10 +144,8 @@ TEST(Arpping, OneFramePerCallAndFailures)
     ASSERT_EQ(vdev::sh("ip link add ethernet12345 type veth peer name cap13"
                        " && ip link set ethernet12345 up && ip link set cap13 up"), 0);
     const std::vector<unsigned char> mac = {0x02, 0xFE, 0xDC, 0xBA, 0x98, 0x76};
-    const in_addr_t target = inet_addr("203.0.113.9");
-    auto frames = frames_on("cap13", [&] {
-        EXPECT_EQ(arpping(target, inet_addr("203.0.113.1"), mac.data(), "ethernet12345"), 1);
-    });
+    const in_addr_t target = inet_addr("203.0.113.9"), sender = inet_addr("203.0.113.1");
+    auto frames = frames_on("cap13", [&] { EXPECT_EQ(arpping(target, sender, mac.data(), "ethernet12345"), 1); });
     ASSERT_EQ(frames.size(), 1u);
     EXPECT_EQ(frames[0], expected_frame(mac, "203.0.113.1", (const unsigned char *)&target));
     const struct { const unsigned char *mac; const char *ifname; int result; const char *message; } cases[] = {
