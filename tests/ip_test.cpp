@@ -26,8 +26,7 @@ TEST(Ip, NumberToText)
     const struct { unsigned int value; const char *text; } cases[] = {
         {0xC0A80101, "192.168.1.1"}, {0, "0.0.0.0"}, {0xFFFFFFFF, "255.255.255.255"}, {0x0A000001, "10.0.0.1"}};
     for (const auto &c : cases) {
-        char dst[16];
-        memset(dst, 'x', sizeof dst);
+        char dst[16] = "xxxxxxxxxxxxxxx";
         EXPECT_EQ(vesk_ipaddr_2_str(c.value, dst), 1);
         EXPECT_STREQ(dst, c.text);
         EXPECT_STREQ(vesk_get_ipaddr_str(c.value), c.text);

@@ -82,8 +82,6 @@ TEST(Stats, LayoutsBadInputAndMissingFile)
              "77777777 66666666 55555555 44444444" + std::string(20, ' ') + "3333333 2222222\n",
          "eth0", 1, "1111111111111111 2222222222 3 4 5 6 7 8 9999999999999999 8888888888 77777777 66666666 55555555 "
                     "44444444 0 0"},
-        {"tail of a cut row is no row of its own",
-         full + "  eth0: 1 1 1 1 1 1 1 1 1 1 1 1 1 1 1 1" + std::string(100, ' ') + "eth2: 5\n", "eth2", 0, kZero},
         {"prefix of a name does not match", full + "  eth0: 1 2 3\n", "eth", 0, kZero},
         {"line without a colon", full + "  eth0 1 2 3\n", "eth0", 0, kZero},
         {"name longer than a kernel's", full + "  averyveryverylong: 1 2\naveryveryverylo: 1 2\n",
