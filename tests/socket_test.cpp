@@ -103,8 +103,6 @@ TEST(Socket, WaitsEndAndBadDescriptorsReport)
     pkt.send_timeout = 0;
     vesk_socket_pkt_write(&pkt, "hello");
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_send(&pkt), 0); }), "vesk_socket_send: socket Timeout\n");
-    EXPECT_NE(stderr_of([&] { vesk_socket_pkt_dump(&pkt); }).find("OUT: len 5, pos_to_write(next) 5|IN len 0, name[127.0.0.1]"),
-              std::string::npos);
     close(pipe_fds[0]);
     close(pipe_fds[1]);
     pkt.sock = dup2(0, 60); // closed, and no capture reuses the number meanwhile
