@@ -1,9 +1,5 @@
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/stat.h>
-
-#include <string>
-#include <vector>
 
 #include "output_of.hpp"
 #include "vdev.hpp"

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <string>
 
 #include "core/unique.hpp"
 #include "output_of.hpp"

@@ -4,9 +4,6 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <string>
-#include <vector>
-
 #include "output_of.hpp"
 #include "vdev.hpp"
 #include "vesk_file.h"

@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "output_of.hpp"
 #include "vdev.hpp"
 #include "vesk_mtd.h"
