@@ -71,8 +71,6 @@ TEST_F(LogFile, ListsEveryTagAndDayOfThePrefix)
     EXPECT_EQ(vdev::commands(), kListing);
     EXPECT_EQ(vdev::read("/var/logfile_list.txt"), "sys_kern_20150528_00.log\nsys_kern_20150528_01.log\n"
                                                    "sys_kern_20150528_100.log\nsys_kern_20150528_11.log\nsys_wifi_20150101_00.log\nsys_x_1.log\n");
-    EXPECT_EQ(vdev::read("/var/logfile_web_list.txt"), "sys_x_1.log\nsys_wifi_20150101_00.log\nsys_kern_20150528_11.log\n"
-                                                       "sys_kern_20150528_100.log\nsys_kern_20150528_01.log\nsys_kern_20150528_00.log\n");
     EXPECT_EQ(vesk_firmware_list_files(), 1);
 }
 

@@ -21,7 +21,6 @@ TEST(Mtd, FindsPartitionByLinePosition)
         {"first word of a spaced name", "mtd0: 00010000 00010000 \"rootfs data\"\n", "rootfs", 0, 0x10000},
         {"over-long line counts once",
          "mtd0: 1 1 \"" + std::string(200, 'x') + "\"\nmtd1: 00020000 00010000 \"Kernel\"\n", "Kernel", 1, 0x20000},
-        {"last line without newline", "mtd0: 1 1 \"A\"\nmtd1: 00000800 00010000 \"Kernel\"", "Kernel", 1, 0x800},
         {"31 characters", "mtd0: 00001000 1 \"" + std::string(31, 'n') + "\"\n", std::string(31, 'n'), 0, 0x1000},
         {"prefix only", kernel, "Kern", -1, 0}, {"longer query", kernel, "Kernel2", -1, 0},
         {"unquoted name", "mtd0: 00010000 00010000 Kernel\n", "Kernel", -1, 0},
