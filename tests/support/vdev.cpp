@@ -58,21 +58,15 @@ int sh(const std::string &command)
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-namespace {
-
 // "$ " starts a command line that CMD or sysinteract recorded, escaped
 // C-style; any other line is a stand-in tool's.
-std::vector<std::string> journal_lines(bool commands)
+std::vector<std::string> commands()
 {
     std::vector<std::string> lines;
     std::ifstream in("/run/vdev/journal");
     for (std::string line; std::getline(in, line);) {
-        if ((line.rfind("$ ", 0) == 0) != commands)
+        if (line.rfind("$ ", 0) != 0)
             continue;
-        if (!commands) {
-            lines.push_back(line);
-            continue;
-        }
         std::string text;
         for (size_t i = 2; i < line.size(); i++) {
             if (line[i] != '\\' || i + 1 == line.size()) {
@@ -91,12 +85,6 @@ std::vector<std::string> journal_lines(bool commands)
     }
     return lines;
 }
-
-} // namespace
-
-std::vector<std::string> journal() { return journal_lines(false); }
-
-std::vector<std::string> commands() { return journal_lines(true); }
 
 void clear_journal()
 {
@@ -150,12 +138,6 @@ outcome in_child(void (*fn)(void *), void *arg)
     close(out);
     close(err);
     return o;
-}
-
-const char *emulator()
-{
-    const char *name = getenv("VDEV_QEMU");
-    return name ? name : "";
 }
 
 } // namespace vdev
