@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 #include <fstream>
-#include <sstream>
+#include <iterator>
 
 namespace vdev {
 
@@ -18,6 +18,15 @@ void make_parents(const std::string &path)
 {
     for (size_t pos = path.find('/', 1); pos != std::string::npos; pos = path.find('/', pos + 1))
         mkdir(path.substr(0, pos).c_str(), 0755);
+}
+
+std::vector<std::string> lines_of(const char *path)
+{
+    std::vector<std::string> lines;
+    std::ifstream in(path);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
 }
 
 std::string slurp_fd(int fd)
@@ -42,9 +51,7 @@ void put(const std::string &path, std::string_view content)
 std::string read(const std::string &path)
 {
     std::ifstream in(path, std::ios::binary);
-    std::stringstream ss;
-    ss << in.rdbuf();
-    return ss.str();
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 bool exists(const std::string &path) { return access(path.c_str(), F_OK) == 0; }
@@ -63,8 +70,7 @@ int sh(const std::string &command)
 std::vector<std::string> commands()
 {
     std::vector<std::string> lines;
-    std::ifstream in("/run/vdev/journal");
-    for (std::string line; std::getline(in, line);) {
+    for (const std::string &line : lines_of("/run/vdev/journal")) {
         if (line.rfind("$ ", 0) != 0)
             continue;
         std::string text;
@@ -92,14 +98,7 @@ void clear_journal()
     std::ofstream("/run/vdev/ioctls", std::ios::trunc);
 }
 
-std::vector<std::string> ioctls()
-{
-    std::vector<std::string> lines;
-    std::ifstream in("/run/vdev/ioctls");
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
-    return lines;
-}
+std::vector<std::string> ioctls() { return lines_of("/run/vdev/ioctls"); }
 
 void fail_ioctl(const std::string &ifname, const std::string &request, const std::string &err, int times)
 {
@@ -109,9 +108,8 @@ void fail_ioctl(const std::string &ifname, const std::string &request, const std
 
 void set_board(const std::string &key, const std::string &value)
 {
-    std::string conf = read("/run/vdev/board.conf"), out;
-    std::istringstream in(conf);
-    for (std::string line; std::getline(in, line);)
+    std::string out;
+    for (const std::string &line : lines_of("/run/vdev/board.conf"))
         if (line.rfind(key + "=", 0) != 0)
             out += line + "\n";
     put("/run/vdev/board.conf", out + key + "=" + value + "\n");
