@@ -489,13 +489,11 @@ TEST(WlanIwconfig, ReadsBothFormsAndBothKindsOfLevel)
 
 TEST(WlanIwconfig, EscapedKeyReadsBackThroughTheShell)
 {
-    for (const char *key : {"a b", "x;y", "plain123", "\"\\'`&()<>|; all twelve"}) {
-        SCOPED_TRACE(key);
-        std::string escaped(2 * strlen(key) + 1, '\0');
-        vesk_check_wep_key_using_iwconfig(key, escaped.data());
-        ASSERT_EQ(vdev::sh("printf %s " + std::string(escaped.c_str()) + " >/tmp/key"), 0);
-        EXPECT_EQ(vdev::read("/tmp/key"), key);
-    }
+    const char key[] = "\"\\'`&()<>|; all twelve and plain123";
+    std::string escaped(2 * strlen(key) + 1, '\0');
+    vesk_check_wep_key_using_iwconfig(key, escaped.data());
+    ASSERT_EQ(vdev::sh("printf %s " + std::string(escaped.c_str()) + " >/tmp/key"), 0);
+    EXPECT_EQ(vdev::read("/tmp/key"), key);
     char out[4] = "zz";
     vesk_check_wep_key_using_iwconfig(nullptr, out);
     EXPECT_STREQ(out, "");
