@@ -20,15 +20,6 @@ struct row {
     const char *expect; // regex: stdout on 0, stderr otherwise
 };
 
-vdev::outcome vesk(const std::string &args)
-{
-    std::string line = args[0] == '!' ? args.substr(1) : "exec $VESK " + args;
-    return vdev::in_child([&] {
-        execl("/bin/sh", "sh", "-c", line.c_str(), static_cast<char *>(nullptr));
-        _exit(127);
-    });
-}
-
 // JavaScript's regex dialect ([^] is any byte), through the PCRE the library
 // links anyway: the C++ library's <regex> is slow under qemu and trips GCC's
 // maybe-uninitialized warning in cross builds.
@@ -56,7 +47,11 @@ void check(std::initializer_list<row> rows)
     for (const row &r : rows) {
         SCOPED_TRACE(r.args);
         ASSERT_EQ(*r.setup ? vdev::sh(r.setup) : 0, 0) << r.setup;
-        const vdev::outcome o = vesk(r.args);
+        const std::string line = r.args[0] == '!' ? r.args + 1 : std::string("exec $VESK ") + r.args;
+        const vdev::outcome o = vdev::in_child([&] {
+            execl("/bin/sh", "sh", "-c", line.c_str(), static_cast<char *>(nullptr));
+            _exit(127);
+        });
         EXPECT_EQ(o.status, r.status) << o.out << o.err;
         EXPECT_TRUE(r.status ? o.out.empty() && matches(o.err, r.expect, false) : matches(o.out, r.expect, true))
             << o.out << o.err;
