@@ -206,13 +206,18 @@ TEST(IwStream, AgreesWithLibiwOnRandomStreams)
         int version = 15 + int(g.pick(8));
         compare(iw, g.make(version), version, n);
     }
-    {
-        // Before version 19 the other word size's length is read from other bytes than
-        // the count checked: its payload must still end within the stream.
-        char cut[20] = {20, 0, 0x1B, char(0x8B), 0, 0, 0, 0, 2, 0, 1, 0};
+    // Streams by hand, and where the reader puts the payload (-1: nowhere).
+    const struct { std::vector<char> bytes; int version; long payload; } crafted[] = {
+        // before version 19 the other word size's length comes from other bytes than the
+        // count checked: a payload that would run past the stream's end is refused
+        {{20, 0, 0x1B, char(0x8B), 0, 0, 0, 0, 2, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0}, 18, -1},
+        {{12, 0, 0x2B, char(0x8B), 0, 0, 0, 0, 0x10, 0, 0, 0}, 22, 8}, // a key of length 0 may carry bytes
+    };
+    for (const auto &c : crafted) {
+        std::vector<char> stream = c.bytes;
         vesk_iw_stream s;
-        iw_init_event_stream(&s, cut, sizeof cut);
-        EXPECT_FALSE(read_one(iw_extract_event_stream, s, 18).past_end);
+        iw_init_event_stream(&s, stream.data(), int(stream.size()));
+        EXPECT_EQ(read_one(iw_extract_event_stream, s, c.version).payload, c.payload) << c.version;
     }
 }
 

@@ -160,6 +160,10 @@ const cell kCells[] = {
     {"WPA2-PSK with WPS and a Broadcom element", true,
      "30140100000fac040100000fac040100000fac020000 dd0e0050f204104a0001101044000102 dd090010180200001c0000"},
     {"RSN cut short before its AKM list", true, "0004766573 30140100000fac040100000fac04"},
+    {"WPA2 with an unknown AKM (SAE)", true, "30140100000fac040100000fac040100000fac080000"},
+    {"WPA2-PSK behind three vendor AKMs", true, "30200100000fac040100000fac0404000050f2020050f2020050f202000fac020000"},
+    {"WPA/WPA2-PSK, a vendor AKM last", true,
+     "dd160050f20101000050f20401000050f20401000050f202 30180100000fac040100000fac040200000fac020050f2020000"},
 };
 
 // A beacon from 02:5A:00:00:01:NN with the cell's capability and elements,
@@ -200,6 +204,8 @@ std::string words(const std::string &line)
     std::string auth = !wpa_akm.empty() && !rsn_akm.empty() ? (psk ? "WPA1PSKWPA2PSK" : "WPA1WPA2")
                        : !rsn_akm.empty()                   ? (psk ? "WPA2PSK" : "WPA2")
                                                             : (psk ? "WPAPSK" : "WPA");
+    if (wpa_akm.empty() && !rsn_akm.count(1) && !rsn_akm.count(2))
+        auth = "UNKNOW";
     std::string cipher = ciphers.count(2) && ciphers.count(4) ? "TKIPAES" : ciphers.count(4) ? "AES" : "TKIP";
     return auth + "/" + cipher;
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <string.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -146,10 +147,13 @@ TEST(WlanDispatch, NameChoosesTheFamily)
                   EXPECT_EQ(vesk_wlan_get_sta_info("eth2", &table), 0);
                   EXPECT_EQ(vesk_wlan_get_site_survey("lo", records.data(), 1), 0);
                   EXPECT_EQ(vesk_get_wlan_client_num(nullptr), 0);
+                  EXPECT_EQ(vesk_wlan_get_site_survey_qca(nullptr, records.data(), 1), -1);
+                  EXPECT_EQ(vesk_get_wlan_ch_info_qca("ath0", nullptr), 1);
               }),
               "Unknown platform IF:[eth2]\nvesk_wlan_get_sta_info,error!!!attach fail\n"
               "Unknown platform IF:[lo]\nvesk_wlan_get_site_survey,error!!!attach fail\n"
-              "Unknown platform IF:[(null)]\nvesk_get_wlan_client_num,error!!!attach fail\n");
+              "Unknown platform IF:[(null)]\nvesk_get_wlan_client_num,error!!!attach fail\n"
+              "Err: vesk_wlan_get_site_survey_qca, dev_name is NULL!\nvesk_get_wlan_ch_info_qca: input error!\n");
     EXPECT_EQ(memcmp(&table, &before, sizeof table), 0);
     EXPECT_EQ(records[0].bssid[0], 0x5A);
     EXPECT_TRUE(vdev::ioctls().empty());
@@ -282,7 +286,7 @@ TEST(WlanSchedule, StatusFollowsTheRecord)
 {
     const struct { int ssids, radio_down; unsigned int down_mask; int mode, wds_peers, status; } cases[] = {
         {3, 0, 0b111, 0, 0, 1},  {3, 1, 0b111, 0, 0, 2},  {3, 1, 0b101, 0, 0, 3},  {3, 0, 0b101, 0, 0, 0},
-        {3, 0, 0b1011, 0, 0, 0}, // bit 3 lies above the count
+        {31, 0, ~1u, 0, 0, 0}, // bit 31 lies above the count
         {0, 0, 0, 0, 0, 1},      {3, 2, 0b111, 0, 0, 0},  {3, 0, 0b111, 3, 0, 0},  {3, 0, 0b111, 4, 1, 0},
         {3, 0, 0b111, 4, 0, 1},  {3, 0, 0b111, 0x104, 0, 1}, // the mode's low byte counts
         {40, 1, ~0u, 0, 0, 3},   // 32 bits can't cover 40 SSIDs
@@ -396,13 +400,11 @@ TEST(WlanKeys, PinsAndHexKeys)
 
 TEST(WlanChannels, RegionsAndFlashWord)
 {
-    const struct {
-        unsigned int region, channel;
-        int valid;
-    } cases[] = {{0, 11, 1}, {0, 12, 0}, {4, 14, 1}, {4, 13, 0}, {8, 1, 0},
-                 {5, 15, 0}, {2, 0, 0},  {6, 10, 0}, {7, 5, 1},  {0u - 1, 1, 0}};
-    for (const auto &c : cases)
-        EXPECT_EQ(vesk_check_bgn_valid_channel(c.region, c.channel), c.valid) << c.region << "/" << c.channel;
+    // First and last channel of regions 0 to 7; regions past them have none.
+    const unsigned int ranges[][2] = {{1, 11}, {1, 13}, {10, 11}, {10, 13}, {14, 14}, {1, 14}, {3, 9}, {5, 13}, {1, 0}};
+    for (unsigned int region : {0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u, 0u - 1})
+        for (unsigned int ch = 0, r = std::min(region, 8u); ch <= 15; ch++)
+            EXPECT_EQ(vesk_check_bgn_valid_channel(region, ch), int(ch >= ranges[r][0] && ch <= ranges[r][1])) << region << "/" << ch;
 
     std::string head(256, '\0');
     head[16] = 0x34, head[17] = 0x12, head[254] = 0x01, head[255] = static_cast<char>(0xAB);
