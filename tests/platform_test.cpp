@@ -182,9 +182,8 @@ TEST(Quil, TextValuesOutOfRangeAreRefused)
 TEST(Quil, KilledWritersLeaveTheOldOrTheNewValue)
 {
     const unsigned char rec[9] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
-    ASSERT_EQ(quil_set_value(rec, "timedaylight"), 0);
     int old = 0;
-    ASSERT_EQ(quil_set_value(&old, "radio_opmode_1"), 0);
+    ASSERT_EQ(quil_set_value(rec, "timedaylight") + quil_set_value(&old, "radio_opmode_1"), 0);
     unsigned int seed = 14;
     for (int i = 1; i <= 1000; i++) {
         pid_t child = fork();
@@ -193,8 +192,7 @@ TEST(Quil, KilledWritersLeaveTheOldOrTheNewValue)
             _exit(quil_set_value(&i, "radio_opmode_1") ? 1 : 0);
         struct timespec pause = {0, static_cast<long>(rand_r(&seed) % 500) * 1000};
         nanosleep(&pause, nullptr);
-        kill(child, SIGKILL);
-        waitpid(child, nullptr, 0);
+        kill(child, SIGKILL), waitpid(child, nullptr, 0);
         int now = quil_get_int_value("radio_opmode_1");
         ASSERT_TRUE(now == old || now == i) << "after writer " << i << ": " << now;
         ASSERT_EQ(vdev::read(QUIL_DAT_FILE), "timedaylight=010203040506070809\nradio_opmode_1=" + std::to_string(now) + "\n");

@@ -32,13 +32,11 @@ TEST(Text, RegMatchSearchesUnanchored)
     }
 }
 
-std::string hexdump(unsigned int base, const void *data, unsigned int len)
-{
-    return stdout_of([&] { vesk_dbg_hexdump(base, data, len); });
-}
-
 TEST(Text, HexdumpLines)
 {
+    auto hexdump = [](unsigned int base, const void *data, unsigned int len) {
+        return stdout_of([&] { vesk_dbg_hexdump(base, data, len); });
+    };
     // A short line's filler is narrower than the byte groups it stands for:
     // three blanks on odd columns, two on even.
     const unsigned char bytes[] = "ABCDEFGHIJKLMNOPQ";
