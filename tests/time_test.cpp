@@ -221,10 +221,7 @@ TEST(TimeZone, DateToolGetsMonthDayHourMinuteYearAndTheDebugLine)
               "boot: 9:5:7 date:2015/4-28 \n9:5:7 date:2015/4-28 \n");
 }
 
-vesk_date ymd(int y, int m, int d)
-{
-    return vesk_date{static_cast<uint16_t>(y), static_cast<uint16_t>(m), static_cast<uint16_t>(d), 0, 0, 0};
-}
+vesk_date ymd(int y, int m, int d) { return vesk_date{uint16_t(y), uint16_t(m), uint16_t(d), 0, 0, 0}; }
 
 TEST(Calendar, StepsDaysThenMonthsThenYears)
 {
