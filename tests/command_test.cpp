@@ -115,6 +115,7 @@ TEST_F(Command, PlainWordsGiveTheDeviceCommandLines)
          {"cat /proc/mounts | grep /dev/sdz1", "cp /tmp/cfg /mnt/usb1/cfg 2>&1"}},
         {"hostname", [] { vesk_net_set_hostname("ap-kitchen"); }, {"echo ap-kitchen > /etc/hostname"}},
         {"empty hostname", [] { vesk_net_set_hostname(""); }, {"echo  > /etc/hostname"}},
+        {"empty interface name", [] { vesk_wan_get_ppp_status("pppd", ""); }, {"netstat -rn | grep ''"}},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);
