@@ -3,15 +3,12 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <string>
 
-#include "fake_sleep.hpp"
 #include "output_of.hpp"
 #include "quil.h"
 #include "vdev.hpp"
 #include "vesk_crypt.h"
 #include "vesk_fw.h"
-#include "vesk_product.h"
 
 namespace {
 
@@ -28,15 +25,15 @@ void fill_store()
 
 TEST(FwRestore, PrefixListTokensGoToTheStoreBeforeTheFileIsReplaced)
 {
-    // list nullptr: no list; new_keys: the keys in quil_new.dat, {"old"} for the untouched file.
-    const struct { const char *name, *list, *printed; lines new_keys; } cases[] = {
-        {"no list", nullptr, "", {"old"}},
-        {"empty list", "", "", {}},
+    // list nullptr: no list; new_dat: quil_new.dat afterwards.
+    const struct { const char *name, *list, *printed, *new_dat; } cases[] = {
+        {"no list", nullptr, "", "old=1\n"},
+        {"empty list", "", "", ""},
         {"two lines", "radio\r\nscheduleS\n", "buf [radio]\nbuf [scheduleS]\n",
-         {"radio_opmode_1", "radio_opmode_2", "scheduleS_en"}},
+         "radio_opmode_1=2\nradio_opmode_2=3\nscheduleS_en=4\n"},
         {"long line comes in pieces", "radio_opmode_1xxxxxxxxxxxxxxxxxxxxxxxxxx\n",
-         "buf [radio_opmode_1xxxxxxxxxxxxxxx]\nbuf [xxxxxxxxxxx]\n", {}},
-        {"last line without end", "schedule_en", "buf [schedule_en]\n", {"schedule_en"}},
+         "buf [radio_opmode_1xxxxxxxxxxxxxxx]\nbuf [xxxxxxxxxxx]\n", ""},
+        {"last line without end", "schedule_en", "buf [schedule_en]\n", "schedule_en=1\n"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -47,24 +44,15 @@ TEST(FwRestore, PrefixListTokensGoToTheStoreBeforeTheFileIsReplaced)
         if (c.list)
             vdev::put("/storage/prefix_list", c.list);
         vdev::put("/tmp/restore.dat", "schedule_en=0\n");
-
         EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_do_restore_config("/tmp/restore.dat", 0), 1); }), c.printed);
-
-        std::string new_dat = vdev::read(QUIL_NEW_DAT_FILE);
-        lines keys;
-        for (size_t at = 0; at < new_dat.size(); at = new_dat.find('\n', at) + 1)
-            keys.push_back(new_dat.substr(at, new_dat.find('=', at) - at));
-        EXPECT_EQ(keys, c.new_keys);
+        EXPECT_EQ(vdev::read(QUIL_NEW_DAT_FILE), c.new_dat);
         EXPECT_FALSE(vdev::exists("/storage/prefix_list"));
         EXPECT_EQ(vdev::read(QUIL_DAT_FILE), "schedule_en=0\n");
-        EXPECT_EQ(quil_get_int_value("schedule_en"), 0);
-        EXPECT_FALSE(vdev::exists("/tmp/restore.dat"));
     }
 }
 
 TEST(FwRestore, RebootOnlyWhenAskedAndUsbCopiesOnlyWithUsboot)
 {
-    ASSERT_EQ(mkdir("/mnt/usb1", 0755), 0);
     for (int reboot : {0, 1}) {
         SCOPED_TRACE(reboot);
         vdev::put("/tmp/restore.dat", "x");
@@ -73,23 +61,18 @@ TEST(FwRestore, RebootOnlyWhenAskedAndUsbCopiesOnlyWithUsboot)
         lines want = {"cp /tmp/restore.dat /storage/quil.dat", "rm -rf /tmp/restore.dat", "sd_ctrl inform reboot"};
         want.resize(2 + reboot);
         EXPECT_EQ(vdev::commands(), want);
-        EXPECT_FALSE(vdev::exists("/tmp/restore.dat"));
-        EXPECT_EQ(vdev::sh("[ -z \"$(ls -A /mnt/usb1)\" ]"), 0);
     }
     vdev::clear_journal();
     EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_do_restore_config(nullptr, 1), 1); }),
               "vesk_do_restore_config: path is NULL!\n");
     EXPECT_EQ(vdev::commands(), lines{});
 
-    // Booted from USB, a read-only disk does not stop the restore.
-    ASSERT_EQ(mkdir("/mnt/usboot", 0755), 0);
+    // Booted from USB, a read-only disk does not stop the restore; each of the two copies is reported.
+    ASSERT_EQ(mkdir("/mnt/usboot", 0755) + mkdir("/mnt/usb1", 0755), 0);
     ASSERT_EQ(mount("usb1", "/mnt/usb1", "tmpfs", MS_RDONLY, "size=1m"), 0);
     vdev::put("/tmp/restore.dat", "schedule_en=7\n");
-    vdev::clear_journal();
     EXPECT_EQ(vesk_do_restore_config("/tmp/restore.dat", 0), 1);
     EXPECT_EQ(quil_get_int_value("schedule_en"), 7);
-    EXPECT_FALSE(vdev::exists("/tmp/restore.dat"));
-    // Each of the two copies is reported as failed.
     lines journal = vdev::commands();
     EXPECT_EQ(std::count(journal.begin(), journal.end(), "led_ctl diag D5"), 2) << testing::PrintToString(journal);
 }
@@ -103,14 +86,9 @@ TEST(FwBackup, RefusedKeyLeavesNoImageAndStoreIsFlushedFirst)
     EXPECT_EQ(vdev::commands(), lines{"header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"});
     EXPECT_FALSE(vdev::exists("/tmp/user.conf"));
     EXPECT_TRUE(vdev::exists(QUIL_DAT_FILE));
-    // A store without its file yet is flushed first.
     EXPECT_EQ(std::count(reset_default_prefix_list, std::end(reset_default_prefix_list), '\0'), 480); // untouched
-    vdev::remove(QUIL_DAT_FILE);
-    vdev::clear_journal();
+    vdev::remove(QUIL_DAT_FILE); // a store without its file yet is flushed first
     EXPECT_EQ(vesk_do_backup_config("k"), 1);
-    EXPECT_EQ(vdev::commands(), (lines{"rm -rf /tmp/ap_cfg", "lockwrap /var/vesk_crypt_key_file e /storage/quil.dat /tmp/ap_cfg",
-                                       "rm -rf /var/vesk_crypt_key_file",
-                                       "header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"}));
     EXPECT_TRUE(vdev::exists("/tmp/user.conf"));
 }
 
@@ -118,10 +96,8 @@ TEST(FwBackup, RefusedKeyLeavesNoImageAndStoreIsFlushedFirst)
 // A key of its own takes the path FwBackup shows; here the empty key, booted from USB.
 TEST(FwPath, BackupRestoresThroughTheFlashEvent)
 {
-    ASSERT_EQ(mkdir("/mnt/usboot", 0755), 0);
-    ASSERT_EQ(mkdir("/mnt/usb1", 0755), 0);
+    ASSERT_EQ(mkdir("/mnt/usboot", 0755) + mkdir("/mnt/usb1", 0755), 0);
     ASSERT_EQ(mount("usb1", "/mnt/usb1", "tmpfs", 0, "size=1m"), 0);
-    vdev::put("/mnt/usb1/.quil_new.dat", "stale");
     vdev::put(QUIL_DAT_FILE, "");
     fill_store();
     const std::string saved = vdev::read(QUIL_DAT_FILE);
@@ -133,29 +109,19 @@ TEST(FwPath, BackupRestoresThroughTheFlashEvent)
                                        "header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"}));
     EXPECT_EQ(vdev::read(QUIL_DAT_FILE), saved);
     EXPECT_FALSE(vdev::exists("/tmp/ap_cfg"));
-    EXPECT_EQ(vdev::read("/tmp/user.conf").find("schedule_en"), std::string::npos) << "not encrypted";
     vesk_fw_header h;
     ASSERT_EQ(vesk_get_firmware_header_info("/tmp/user.conf", &h), 1);
-    EXPECT_EQ(h.type, 7u); // userconfig, of the firmware's version and board
-    EXPECT_STREQ(vesk_get_firmware_header_version(&h), vesk_product_get_fw_version());
-    EXPECT_EQ(h.hardware_id, 0x010E0012u);
 
-    set_number("schedule_en", 0);
-    set_number("radio_opmode_2", 9);
+    set_number("schedule_en", 0), set_number("radio_opmode_2", 9);
     stderr_of([&] {
         ASSERT_EQ(vesk_decode_firmware("/tmp/user.conf"), 1);
         ASSERT_EQ(vesk_crypt_dec_file("/tmp/user.conf", "", "/tmp/restore.dat", 0), 1);
-        fake_sleep::reset();
-        vdev::clear_journal();
         EXPECT_EQ(vesk_flash_event_handle("/tmp/restore.dat", &h, 1), 1);
     });
     EXPECT_EQ(vdev::read(QUIL_DAT_FILE), saved);
     EXPECT_EQ(quil_get_int_value("schedule_en"), 1);
     EXPECT_EQ(quil_get_int_value("radio_opmode_2"), 3);
-    EXPECT_FALSE(vdev::exists("/tmp/restore.dat"));
-    EXPECT_FALSE(vdev::exists("/tmp/user.conf"));
     EXPECT_EQ(vdev::commands().back(), "sd_ctrl inform reboot");
-    EXPECT_EQ(fake_sleep::calls, 0u);
     EXPECT_EQ(vdev::read("/mnt/usb1/.quil.dat"), saved);
     EXPECT_EQ(vdev::read("/mnt/usb1/.quil_new.dat"), saved);
 }
