@@ -38,32 +38,27 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
         exit(2);
     }
     const char *name = getenv("VESK_FUZZ_ENTRY");
+    std::string names;
     for (const fuzz::table *t = tables; t; t = t->next)
-        for (const fuzz::entry &e : t->rows)
+        for (const fuzz::entry &e : t->rows) {
+            names += std::string(" ") + e.name;
             if (name && !strcmp(name, e.name))
                 chosen = &e;
+        }
     if (!chosen) {
-        fputs("vesk_fuzz: set VESK_FUZZ_ENTRY to one of:", stderr);
-        for (const fuzz::table *t = tables; t; t = t->next)
-            for (const fuzz::entry &e : t->rows)
-                fprintf(stderr, " %s", e.name);
-        fputc('\n', stderr);
+        fprintf(stderr, "vesk_fuzz: set VESK_FUZZ_ENTRY to one of:%s\n", names.c_str());
         exit(2);
     }
     if (chosen->path && strncmp(chosen->path, "tool:", 5)) {
-        std::string dir = chosen->path;
-        dir.resize(dir.rfind('/'));
-        std::string mkdir_p = "mkdir -p " + dir;
+        std::string mkdir_p = "mkdir -p " + std::string(chosen->path, strrchr(chosen->path, '/'));
         if (system(mkdir_p.c_str()) != 0)
             exit(2);
         unlink(chosen->path); // a link to the kernel's file becomes a file of the device
-    }
-    if (chosen->path && !strncmp(chosen->path, "tool:", 5)) {
+    } else if (chosen->path) {
         // A stand-in for the tool, ahead of the device's on PATH, prints the input.
         mkdir(kBin, 0755);
-        std::string tool = std::string(kBin) + "/" + (chosen->path + 5);
         std::string script = std::string("#!/bin/sh\ncat ") + kToolInput + "\n";
-        put(tool.c_str(), script.data(), script.size());
+        put((std::string(kBin) + "/" + (chosen->path + 5)).c_str(), script.data(), script.size());
         setenv("PATH", (std::string(kBin) + ":" + getenv("PATH")).c_str(), 1);
     }
     return 0;

@@ -1,12 +1,18 @@
-// Readers of the device's own files: resolver lists, firmware images, the
-// store, log lists and text files.
+// Readers of the device's own files (resolver lists, firmware images, the
+// store, text files) and of its tools' output: the tool prints the input.
+#include <stdio.h>
+#include <unistd.h>
+
 #include "fuzz.hpp"
 #include "quil.h"
+#include "vesk_br.h"
 #include "vesk_file.h"
 #include "vesk_fw.h"
 #include "vesk_if.h"
 #include "vesk_logfile.h"
 #include "vesk_core.h"
+#include "vesk_product.h"
+#include "vesk_wan.h"
 
 namespace {
 
@@ -43,6 +49,18 @@ VESK_FUZZ_TABLE(
          vesk_logfile_get_last_record_date_and_number("/var/log", "sys", "log", tag, date, &number, "txt");
      }},
     {"text_file", "/tmp/fuzz.txt", [](const char *, size_t) { vesk_file_text_truncate("/tmp/fuzz.txt", nullptr, 4, 2); }},
-    );
+    {"board_config", "tool:board_config",
+     [](const char *, size_t) {
+         vesk_product_get_board_domain(0);
+         vesk_product_get_board_hw_id_hex();
+         vesk_fw_get_boot_ver();
+     }},
+    {"netstat", "tool:netstat",
+     [](const char *, size_t) {
+         if (FILE *pid = fopen("/var/run/fuzz.pid", "w")) // the daemon is the fuzzer itself
+             fclose((fprintf(pid, "%d\n", getpid()), pid));
+         vesk_wan_get_ppp_status("fuzz", "ppp0");
+     }},
+    {"bridge", "tool:bridge", [](const char *, size_t) { vesk_del_br_fdb("00:aa:11:bb:22:cc"); }}, );
 
 } // namespace

@@ -27,8 +27,7 @@ struct table {
 
 } // namespace fuzz
 
-#define VESK_FUZZ_CAT2(a, b) a##b
-#define VESK_FUZZ_CAT(a, b) VESK_FUZZ_CAT2(a, b)
+// One table a file, inside its anonymous namespace.
 #define VESK_FUZZ_TABLE(...)                                                                                   \
-    static constexpr fuzz::entry VESK_FUZZ_CAT(kRows, __LINE__)[] = {__VA_ARGS__};                             \
-    static const fuzz::table VESK_FUZZ_CAT(kTable, __LINE__)(VESK_FUZZ_CAT(kRows, __LINE__))
+    constexpr fuzz::entry kRows[] = {__VA_ARGS__};                                                             \
+    const fuzz::table kTable(kRows)

@@ -1,5 +1,5 @@
-// The QCA scan's parsers: the event stream with its cells, the WPA/RSN
-// element walk, and iwconfig's text.
+// Wireless parsers: the QCA scan's event stream with its cells, the WPA/RSN
+// element walk, iwconfig's text and the site survey file.
 #include <string.h>
 
 #include "fuzz.hpp"
@@ -39,6 +39,13 @@ VESK_FUZZ_TABLE({"iw_stream", nullptr, stream, true}, {"ies", nullptr, elements,
                 {"iwconfig", "tool:iwconfig", [](const char *, size_t) {
                      vesk_wlan_info info;
                      vesk_get_wlan_interface_info("ath0", &info);
+                 }},
+                {"survey", "/tmp/survey/ch_6.txt", [](const char *, size_t) {
+                     static vesk_site_survey_record records[VESK_SURVEY_RECORDS_QCA];
+                     memset(records, 0, sizeof records);
+                     const uint32_t channel = 6; // the channel asked for: the buffer's first word
+                     memcpy(records, &channel, sizeof channel);
+                     vesk_wlan_get_site_survey_qca("ath0", records, 65535); // the file is never too old
                  }}, );
 
 } // namespace

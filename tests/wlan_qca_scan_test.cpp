@@ -5,8 +5,6 @@
 // cipher suites it finds, and those must give the words that the survey wrote.
 #include <gtest/gtest.h>
 #include <string.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <set>
@@ -16,7 +14,6 @@
 
 #include "fake_sleep.hpp"
 #include "vdev.hpp"
-#include "vesk_iw.h"
 #include "vesk_wlan.h"
 
 namespace {
@@ -87,7 +84,9 @@ TEST(QcaSurvey, OtherLayoutsOfTheStreamGiveTheSameRecords)
     EXPECT_STREQ(other[4].security, "WPAPSK/TKIP");
     EXPECT_EQ(memcmp(&other[5], &base[4], sizeof base[4]), 0);
     EXPECT_EQ(base[5].channel, 0);
-    for (const char *range : {"version=18", "words=64", "version=20 words=64"}) {
+    // Version 15 has the older range layout, whose list holds 16 frequencies.
+    for (const char *range :
+         {"version=15 channels=6,36,40,44,48,149", "version=18", "words=64", "version=20 words=64"}) {
         SCOPED_TRACE(range);
         vdev::put(kAth0 + "range", range);
         auto recs = survey("ath0", &result);
@@ -120,9 +119,7 @@ TEST(QcaSurvey, PollsWithinItsBudgetAndGrowsTheBufferOnDemand)
         SCOPED_TRACE(r.name);
         vdev::put(kAth0 + "range", r.range);
         vdev::put(kAth0 + "cells", many_cells(r.cells));
-        vdev::remove("/run/vdev/fail/ioctl");
-        if (*r.failures)
-            vdev::put("/run/vdev/fail/ioctl", std::string(r.failures) + "\n");
+        vdev::put("/run/vdev/fail/ioctl", *r.failures ? std::string(r.failures) + "\n" : "");
         vdev::clear_journal();
         fake_sleep::reset();
         int result;
@@ -136,33 +133,8 @@ TEST(QcaSurvey, PollsWithinItsBudgetAndGrowsTheBufferOnDemand)
         }
         EXPECT_EQ(asked, r.asked);
         EXPECT_EQ(fake_sleep::slept_us, r.slept_us);
-        if (r.result < 0) {
-            EXPECT_EQ(recs[0].channel, 0);
-        }
+        EXPECT_TRUE(r.result >= 0 || recs[0].channel == 0);
     }
-}
-
-TEST(QcaSurvey, RangeDataOfOlderDriversMovesToItsPlace)
-{
-    struct { const char *range; int version, max_qual, channel_of_5180; } rows[] = {
-        {"version=22 max_qual=70", 22, 70, 36},
-        {"version=15 max_qual=70 channels=1,6,36", 15, 70, 36}, // the older layout
-        {"length=200", 9, 0, 0},                               // treated as version 9
-    };
-    for (const auto &r : rows) {
-        SCOPED_TRACE(r.range);
-        vdev::put(kAth0 + "range", r.range);
-        int fd = socket(AF_INET, SOCK_DGRAM, 0);
-        iw_range range;
-        ASSERT_EQ(iw_get_range_info(fd, "ath0", &range), 0);
-        close(fd);
-        EXPECT_EQ(range.we_version_compiled, r.version);
-        EXPECT_EQ(range.max_qual.qual, r.max_qual);
-        EXPECT_EQ(iw_freq_to_channel(5180e6, &range), r.channel_of_5180);
-    }
-    vdev::fail_ioctl("ath0", "range", "ENODEV");
-    iw_range range;
-    EXPECT_EQ(iw_get_range_info(-1, "ath0", &range), -1);
 }
 
 struct cell {

@@ -118,19 +118,16 @@ TEST(WlanSurvey, RalinkScanThenFile)
 
     // Without the directory every request scans and nothing is stored.
     ASSERT_EQ(vdev::sh("rm -r /tmp/survey"), 0);
-    for (int i = 0; i < 2; i++)
-        EXPECT_EQ(ra0_survey(again, 36), 1);
+    EXPECT_EQ(ra0_survey(again, 36) + ra0_survey(again, 36), 2);
 }
 
 TEST(WlanDispatch, NameChoosesTheFamily)
 {
     const struct { const char *ifname, *err; lines commands; } cases[] = {
         {"ra15", "vesk_get_wlan_ch_info_ralink,error!!!\n", {}}, // no such interface: no command
-        {"radio", "vesk_get_wlan_ch_info_ralink,error!!!\n", {}},
         {"ath7", "", {"wlanconfig ath7 list active"}},
         {"wds16", "", {"wlanconfig wds16 list active"}},
         {"eth2", "Unknown platform IF:[eth2]\nvesk_get_wlan_ch_info,error!!!attach fail\n", {}},
-        {"br0", "Unknown platform IF:[br0]\nvesk_get_wlan_ch_info,error!!!attach fail\n", {}},
     };
     vdev::put("/run/vdev/radio/ath7/active", "");
     vdev::put("/run/vdev/radio/wds16/active", "");
@@ -388,8 +385,7 @@ TEST(WlanKeys, PinsAndHexKeys)
 
     for (int i = 0; i < 50; i++) {
         const unsigned int pin = vesk_wlan_gen_pincode_by_random_num();
-        EXPECT_GE(pin, 10000000u);
-        EXPECT_EQ(static_cast<int>(pin % 10), vesk_compute_pin_checksum(pin / 10));
+        EXPECT_TRUE(pin >= 10000000u && static_cast<int>(pin % 10) == vesk_compute_pin_checksum(pin / 10)) << pin;
     }
     char key[65] = {};
     EXPECT_EQ(vesk_gen_random_hex_key(key, 0), 1);
@@ -482,13 +478,10 @@ TEST(WlanIwconfig, ReadsBothFormsAndBothKindsOfLevel)
         EXPECT_EQ(fields(info), r.fields);
     }
     EXPECT_EQ(vdev::commands().back(), std::string("iwconfig ") + kRadio + ">/tmp/iwconfig_result.txt");
-}
-
-TEST(WlanIwconfig, WithoutWirelessExtensionsOnlyTheUnitIsSet)
-{
+    // Without wireless extensions (the tool says so on stderr) only the unit is set.
     vesk_wlan_info info;
     memset(&info, 0x7F, sizeof info);
-    EXPECT_EQ(vesk_get_wlan_interface_info("eth2", &info), 1); // the tool said so on stderr
+    EXPECT_EQ(vesk_get_wlan_interface_info("eth2", &info), 1);
     EXPECT_EQ(fields(info), ". . . 0 . . . .");
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_get_wlan_interface_info(nullptr, &info), 0); }),
               "Err: vesk_get_wlan_interface_info, dev_name is NULL!\n");
@@ -496,13 +489,11 @@ TEST(WlanIwconfig, WithoutWirelessExtensionsOnlyTheUnitIsSet)
 
 TEST(WlanIwconfig, EscapedKeyReadsBackThroughTheShell)
 {
-    for (const char *key : {"a b", "x;y", "plain123", "\"\\'`&()<>|; all twelve"}) {
-        SCOPED_TRACE(key);
-        std::string escaped(2 * strlen(key) + 1, '\0');
-        vesk_check_wep_key_using_iwconfig(key, escaped.data());
-        ASSERT_EQ(vdev::sh("printf %s " + std::string(escaped.c_str()) + " >/tmp/key"), 0);
-        EXPECT_EQ(vdev::read("/tmp/key"), key);
-    }
+    const char key[] = "\"\\'`&()<>|; all twelve and plain123";
+    std::string escaped(2 * strlen(key) + 1, '\0');
+    vesk_check_wep_key_using_iwconfig(key, escaped.data());
+    ASSERT_EQ(vdev::sh("printf %s " + std::string(escaped.c_str()) + " >/tmp/key"), 0);
+    EXPECT_EQ(vdev::read("/tmp/key"), key);
     char out[4] = "zz";
     vesk_check_wep_key_using_iwconfig(nullptr, out);
     EXPECT_STREQ(out, "");

@@ -9,16 +9,12 @@
 #include <string_view>
 
 struct exact_copy {
-    explicit exact_copy(std::string_view text) : block(static_cast<char *>(malloc(text.size() + 1)))
+    explicit exact_copy(std::string_view text) : block(static_cast<char *>(malloc(text.size() + 1)), free)
     {
         memcpy(block.get(), text.data(), text.size());
         block.get()[text.size()] = '\0';
     }
     char *get() const { return block.get(); }
     operator char *() const { return block.get(); }
-
-    struct freer {
-        void operator()(char *p) const { free(p); }
-    };
-    std::unique_ptr<char, freer> block;
+    std::unique_ptr<char, decltype(&free)> block;
 };

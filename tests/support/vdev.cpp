@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 #include <fstream>
-#include <sstream>
+#include <iterator>
 
 namespace vdev {
 
@@ -18,6 +18,15 @@ void make_parents(const std::string &path)
 {
     for (size_t pos = path.find('/', 1); pos != std::string::npos; pos = path.find('/', pos + 1))
         mkdir(path.substr(0, pos).c_str(), 0755);
+}
+
+std::vector<std::string> lines_of(const char *path)
+{
+    std::vector<std::string> lines;
+    std::ifstream in(path);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
 }
 
 std::string slurp_fd(int fd)
@@ -42,9 +51,7 @@ void put(const std::string &path, std::string_view content)
 std::string read(const std::string &path)
 {
     std::ifstream in(path, std::ios::binary);
-    std::stringstream ss;
-    ss << in.rdbuf();
-    return ss.str();
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 bool exists(const std::string &path) { return access(path.c_str(), F_OK) == 0; }
@@ -58,21 +65,14 @@ int sh(const std::string &command)
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-namespace {
-
 // "$ " starts a command line that CMD or sysinteract recorded, escaped
 // C-style; any other line is a stand-in tool's.
-std::vector<std::string> journal_lines(bool commands)
+std::vector<std::string> commands()
 {
     std::vector<std::string> lines;
-    std::ifstream in("/run/vdev/journal");
-    for (std::string line; std::getline(in, line);) {
-        if ((line.rfind("$ ", 0) == 0) != commands)
+    for (const std::string &line : lines_of("/run/vdev/journal")) {
+        if (line.rfind("$ ", 0) != 0)
             continue;
-        if (!commands) {
-            lines.push_back(line);
-            continue;
-        }
         std::string text;
         for (size_t i = 2; i < line.size(); i++) {
             if (line[i] != '\\' || i + 1 == line.size()) {
@@ -92,26 +92,13 @@ std::vector<std::string> journal_lines(bool commands)
     return lines;
 }
 
-} // namespace
-
-std::vector<std::string> journal() { return journal_lines(false); }
-
-std::vector<std::string> commands() { return journal_lines(true); }
-
 void clear_journal()
 {
     std::ofstream("/run/vdev/journal", std::ios::trunc);
     std::ofstream("/run/vdev/ioctls", std::ios::trunc);
 }
 
-std::vector<std::string> ioctls()
-{
-    std::vector<std::string> lines;
-    std::ifstream in("/run/vdev/ioctls");
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
-    return lines;
-}
+std::vector<std::string> ioctls() { return lines_of("/run/vdev/ioctls"); }
 
 void fail_ioctl(const std::string &ifname, const std::string &request, const std::string &err, int times)
 {
@@ -121,9 +108,8 @@ void fail_ioctl(const std::string &ifname, const std::string &request, const std
 
 void set_board(const std::string &key, const std::string &value)
 {
-    std::string conf = read("/run/vdev/board.conf"), out;
-    std::istringstream in(conf);
-    for (std::string line; std::getline(in, line);)
+    std::string out;
+    for (const std::string &line : lines_of("/run/vdev/board.conf"))
         if (line.rfind(key + "=", 0) != 0)
             out += line + "\n";
     put("/run/vdev/board.conf", out + key + "=" + value + "\n");
@@ -150,12 +136,6 @@ outcome in_child(void (*fn)(void *), void *arg)
     close(out);
     close(err);
     return o;
-}
-
-const char *emulator()
-{
-    const char *name = getenv("VDEV_QEMU");
-    return name ? name : "";
 }
 
 } // namespace vdev

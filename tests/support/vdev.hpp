@@ -2,6 +2,8 @@
 // one (emu/vdev), so a case writes the device's fixed paths freely.
 #pragma once
 
+#include <stdlib.h>
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,8 +21,6 @@ void remove(const std::string &path);
 // Runs a shell command in the device; its exit status.
 int sh(const std::string &command);
 
-// The command lines the stand-in tools were run with, oldest first.
-std::vector<std::string> journal();
 // The command lines given to CMD and sysinteract, verbatim, oldest first.
 std::vector<std::string> commands();
 // Clears the journal and the request log.
@@ -49,10 +49,8 @@ template <typename F> outcome in_child(F &&f)
     return in_child([](void *p) { (*static_cast<F *>(p))(); }, &f);
 }
 
-// The user-mode emulator that runs this test program (a cross build's
-// suite: "qemu-mipsel"), or "" when it runs on the processor it was built
-// for. Set by the emulator line of the cross toolchain (VDEV_QEMU).
-const char *emulator();
-inline bool under_qemu() { return *emulator() != '\0'; }
+// True when a user-mode emulator runs this test program (a cross build's
+// suite): the emulator line of the cross toolchain sets VDEV_QEMU.
+inline bool under_qemu() { return getenv("VDEV_QEMU") && *getenv("VDEV_QEMU"); }
 
 } // namespace vdev
