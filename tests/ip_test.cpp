@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "output_of.hpp"
 #include "vdev.hpp"
 #include "vesk_ip.h"
@@ -28,16 +26,12 @@ TEST(Ip, NumberToText)
     const struct { unsigned int value; const char *text; } cases[] = {
         {0xC0A80101, "192.168.1.1"}, {0, "0.0.0.0"}, {0xFFFFFFFF, "255.255.255.255"}, {0x0A000001, "10.0.0.1"}};
     for (const auto &c : cases) {
-        char dst[16];
-        memset(dst, 'x', sizeof dst);
+        char dst[16] = "xxxxxxxxxxxxxxx";
         EXPECT_EQ(vesk_ipaddr_2_str(c.value, dst), 1);
         EXPECT_STREQ(dst, c.text);
         EXPECT_STREQ(vesk_get_ipaddr_str(c.value), c.text);
     }
     EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_ipaddr_2_str(1, nullptr), 0); }), "Error! [vesk_ipaddr_2_str] dst is null\n");
-    char *first = vesk_get_ipaddr_str(0x01020304); // one static buffer serves every call
-    EXPECT_EQ(vesk_get_ipaddr_str(0xC0000201), first);
-    EXPECT_STREQ(first, "192.0.2.1");
 }
 
 TEST(Ip, SameSubnet)

@@ -1,12 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <arpa/inet.h>
 #include <poll.h>
 #include <string.h>
 #include <unistd.h>
-
-#include <string>
-#include <thread>
 
 #include "output_of.hpp"
 #include "vdev.hpp"
@@ -16,22 +11,15 @@ namespace {
 
 constexpr unsigned short kPort = 7777; // the device's own network: nothing else listens
 
-// A TCP peer on 127.0.0.1 that runs a script on one connection in a thread.
-struct peer {
-    int listener = socket(AF_INET, SOCK_STREAM, 0);
-    std::thread thread;
-    template <typename F> explicit peer(F script)
-    {
-        sockaddr_in a{AF_INET, htons(kPort), {htonl(INADDR_LOOPBACK)}, {}};
-        EXPECT_EQ(bind(listener, reinterpret_cast<sockaddr *>(&a), sizeof a) | listen(listener, 1), 0);
-        thread = std::thread([this, script] {
-            const int fd = accept(listener, nullptr, nullptr);
-            script(fd);
-            close(fd);
-        });
-    }
-    ~peer() { thread.joinable() ? thread.join() : void(), close(listener); }
-};
+// A TCP listener on 127.0.0.1: the kernel completes the library's connect,
+// and the test then takes the peer's end with accept() and plays it itself.
+int listener()
+{
+    const int fd = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in a{AF_INET, htons(kPort), {htonl(INADDR_LOOPBACK)}, {}};
+    EXPECT_EQ(bind(fd, reinterpret_cast<sockaddr *>(&a), sizeof a) | listen(fd, 1), 0);
+    return fd;
+}
 
 std::string take(int fd)
 {
@@ -66,18 +54,17 @@ TEST(Socket, InitAndWritesStayWithinTheRecord)
 
 TEST(Socket, RequestsRepliesAndCloses)
 {
-    peer p([](int fd) {
-        EXPECT_EQ(take(fd), std::string("GET /x\0\1", 8)); // both writes in one send
-        give(fd, "abcdef");
-        shutdown(fd, SHUT_WR);
-        take(fd);
-    });
+    const int listening = listener();
     vesk_socket_pkt pkt;
     vesk_socket_pkt_init(&pkt, "localhost", kPort);
     ASSERT_EQ(vesk_socket_do_connect(&pkt), 1);
+    const int peer = accept(listening, nullptr, nullptr);
     vesk_socket_pkt_write(&pkt, "GET /%s", "x");
     vesk_socket_pkt_write_binary(&pkt, "\0\1", 2);
     EXPECT_EQ(std::make_pair(vesk_socket_send(&pkt), pkt.out_len), std::make_pair(1, 0));
+    EXPECT_EQ(take(peer), std::string("GET /x\0\1", 8)); // both writes in one send
+    give(peer, "abcdef");
+    shutdown(peer, SHUT_WR);
     EXPECT_EQ(vesk_socket_recv(&pkt, 3), 2); // len - 1 bytes, terminated
     EXPECT_STREQ(pkt.in_buf, "ab");
     EXPECT_EQ(vesk_socket_recv(&pkt, 100), 4);
@@ -85,8 +72,9 @@ TEST(Socket, RequestsRepliesAndCloses)
     EXPECT_STREQ(pkt.in_buf, "");
     // The peer goes and resets; a send after that fails without killing the caller.
     vesk_socket_pkt_write(&pkt, "lost");
-    vesk_socket_send(&pkt); // the peer takes it and closes
-    p.thread.join();
+    vesk_socket_send(&pkt);
+    take(peer);
+    close(peer);
     vesk_socket_pkt_write(&pkt, "lost");
     vesk_socket_send(&pkt); // answered with a reset
     pollfd reset{pkt.sock, 0, 0};
@@ -96,26 +84,25 @@ TEST(Socket, RequestsRepliesAndCloses)
     EXPECT_EQ(vesk_socket_close(&pkt), 0);
     pkt.port = kPort + 1; // nothing listens there
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_do_connect(&pkt), 0); }), "connect: " + error_text(ECONNREFUSED));
+    close(listening);
 }
 
 TEST(Socket, WaitsEndAndBadDescriptorsReport)
 {
-    peer p([](int fd) { take(fd); }); // never answers
+    const int listening = listener(); // the peer never answers
     vesk_socket_pkt pkt;
     vesk_socket_pkt_init(&pkt, "127.0.0.1", kPort);
     ASSERT_EQ(vesk_socket_do_connect(&pkt), 1);
     pkt.recv_timeout = 1;
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_recv(&pkt, 100), -1); }), "timeout\n");
     EXPECT_EQ(vesk_socket_close(&pkt), 0);
-
+    close(listening);
     int pipe_fds[2];
     ASSERT_EQ(pipe(pipe_fds), 0);
     pkt.sock = pipe_fds[0]; // never writable: the request stays for another try
     pkt.send_timeout = 0;
     vesk_socket_pkt_write(&pkt, "hello");
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_send(&pkt), 0); }), "vesk_socket_send: socket Timeout\n");
-    EXPECT_NE(stderr_of([&] { vesk_socket_pkt_dump(&pkt); }).find("OUT: len 5, pos_to_write(next) 5|IN len 0, name[127.0.0.1]"),
-              std::string::npos);
     close(pipe_fds[0]);
     close(pipe_fds[1]);
     pkt.sock = dup2(0, 60); // closed, and no capture reuses the number meanwhile

@@ -1,12 +1,8 @@
 // Interface counters from /proc/net/dev: the running kernel's file and the
 // two older layouts.
-#include <gtest/gtest.h>
 #include <arpa/inet.h>
 #include <string.h>
 #include <sys/socket.h>
-#include <unistd.h>
-
-#include <string>
 
 #include "net_helpers.hpp"
 #include "vesk_if.h"
@@ -48,14 +44,11 @@ TEST(Stats, RunningKernel)
     sockaddr_in a = {AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
     socklen_t len = sizeof a;
     const timeval bound = {5, 0};
-    ASSERT_EQ(setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &bound, sizeof bound), 0);
-    ASSERT_EQ(bind(fd, reinterpret_cast<sockaddr *>(&a), sizeof a), 0);
-    ASSERT_EQ(getsockname(fd, reinterpret_cast<sockaddr *>(&a), &len), 0);
-    for (int i = 0; i < 3; i++) {
-        char byte;
-        ASSERT_EQ(sendto(fd, "x", 1, 0, reinterpret_cast<sockaddr *>(&a), sizeof a), 1);
-        ASSERT_EQ(recv(fd, &byte, 1, 0), 1);
-    }
+    ASSERT_EQ(setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &bound, sizeof bound) | bind(fd, (sockaddr *)&a, sizeof a) |
+                  getsockname(fd, (sockaddr *)&a, &len), 0);
+    char byte;
+    for (int i = 0; i < 3; i++)
+        ASSERT_EQ(sendto(fd, "x", 1, 0, (sockaddr *)&a, sizeof a) + recv(fd, &byte, 1, 0), 2);
     close(fd);
     vesk_if_stats s;
     ASSERT_EQ(vesk_if_get_stats("lo", &s), 1);
@@ -63,7 +56,6 @@ TEST(Stats, RunningKernel)
     for (auto [name, value] : {std::pair<const char *, unsigned long long>{"rx_bytes", s.rx_bytes},
                                {"rx_packets", s.rx_packets}, {"tx_bytes", s.tx_bytes}, {"tx_packets", s.tx_packets}})
         EXPECT_EQ(std::to_string(value) + "\n", vdev::read(std::string("/sys/class/net/lo/statistics/") + name));
-    EXPECT_EQ(stats_row("eth9", 0), kZero); // not there: all zero
 }
 
 TEST(Stats, LayoutsBadInputAndMissingFile)
@@ -89,15 +81,13 @@ TEST(Stats, LayoutsBadInputAndMissingFile)
              "77777777 66666666 55555555 44444444" + std::string(20, ' ') + "3333333 2222222\n",
          "eth0", 1, "1111111111111111 2222222222 3 4 5 6 7 8 9999999999999999 8888888888 77777777 66666666 55555555 "
                     "44444444 0 0"},
-        {"tail of a cut row is no row of its own",
-         full + "  eth0: 1 1 1 1 1 1 1 1 1 1 1 1 1 1 1 1" + std::string(100, ' ') + "eth2: 5\n", "eth2", 0, kZero},
         {"prefix of a name does not match", full + "  eth0: 1 2 3\n", "eth", 0, kZero},
         {"line without a colon", full + "  eth0 1 2 3\n", "eth0", 0, kZero},
         {"name longer than a kernel's", full + "  averyveryverylong: 1 2\naveryveryverylo: 1 2\n",
          "averyveryverylong", 0, kZero},
         {"longest name", full + "averyveryverylo: 1 2\n", "averyveryverylo", 1, "1 2 0 0 0 0 0 0 0 0 0 0 0 0 0 0"},
         {"empty name matches no row", full + ": 1 2 3\n  1 2 3\n", "", 0, kZero},
-        {"header only", full, "eth0", 0, kZero}, {"one header line", "Inter-|   Receive\n", "eth0", 0, kZero},
+        {"one header line", "Inter-|   Receive\n", "eth0", 0, kZero},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -109,8 +99,7 @@ TEST(Stats, LayoutsBadInputAndMissingFile)
               "vesk_if_get_stats: input error!\nvesk_if_get_stats: input error!\n");
     vdev::remove("/proc/net/dev");
     memset(&s, 0xAA, sizeof s);
-    EXPECT_EQ(vesk_if_get_stats("lo", &s), 0);
-    EXPECT_EQ(s.rx_packets, 0xAAAAAAAAAAAAAAAAull); // untouched
+    EXPECT_EQ(vesk_if_get_stats("lo", &s) + s.rx_packets, 0xAAAAAAAAAAAAAAAAull); // 0, and untouched
 }
 
 } // namespace
