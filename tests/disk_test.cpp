@@ -96,10 +96,9 @@ TEST(Disk, MountRefusesMountPointsItCannotRemoveSafely)
         {"/dev/sda1", "/./"}, {"/dev/sda1", "mnt/x"}, {"/dev/sda1", "/mnt/x/../.."}};
     for (const auto &c : cases) {
         SCOPED_TRACE(p(c.dev) + " " + p(c.dir));
-        vdev::clear_journal();
         EXPECT_EQ(stdout_of([&] { EXPECT_EQ(vesk_disk_mount(c.dev, c.dir), 0); }), "vesk_disk_mount: input error!\n");
-        EXPECT_EQ(vdev::commands(), lines{});
     }
+    EXPECT_EQ(vdev::commands(), lines{});
     EXPECT_TRUE(vdev::exists("/mnt/x/keep"));
     EXPECT_TRUE(vdev::exists("/bin/sh"));
 }
