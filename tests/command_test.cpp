@@ -53,8 +53,7 @@ const struct site {
     {"disk unmount", false, [](W w) { vesk_disk_unmount(in("/mnt/", w).c_str()); }},
     {"disk copy", true,
      [](W w) { vesk_disk_save_copy_file(in("/tmp/", w).c_str(), in("/mnt/usb1/", w).c_str(), "/mnt/usb1", 0); }},
-    {"disk copy, device from /proc/mounts", false,
-     [](W w) {
+    {"disk copy, device from /proc/mounts", false, [](W w) {
          vdev::put("/proc/mounts", "rootfs / rootfs rw 0 0\n" + w + " /mnt/usb1 vfat rw 0 0\n");
          vesk_disk_save_copy_file("/tmp/cfg", "/mnt/usb1/cfg", "/mnt/usb1", 0);
          vdev::remove("/proc/mounts");
@@ -68,11 +67,9 @@ const struct site {
     {"decode firmware", false, [](W w) { vesk_decode_firmware(in("/tmp/", w).c_str()); }},
     {"restore config", true, [](W w) { vesk_do_restore_config(in("/tmp/", w).c_str(), 0); }},
     {"image upgrade", false, [](W w) { vesk_do_image_upgrade(in("/tmp/", w).c_str(), 0, 0, w.c_str()); }},
-    {"kernel header version", false,
-     [](W w) {
+    {"kernel header version", false, [](W w) {
          vesk_fw_header h = {};
-         h.type = 3;
-         snprintf(h.code_version, sizeof h.code_version, "%s", w.c_str());
+         h.type = 3, snprintf(h.code_version, sizeof h.code_version, "%s", w.c_str());
          vesk_flash_event_handle("/tmp/kernel.bin", &h, 0);
      }},
     {"ppp check", false, [](W w) { vesk_wan_get_ppp_status("pppd", w.c_str()); }},
@@ -162,7 +159,6 @@ TEST_F(Command, RefusedWordsRunNothingAndSaySo)
         EXPECT_NE(stderr_of([&] { EXPECT_EQ(c.call(), c.result); }).find("argument"), std::string::npos);
         EXPECT_EQ(vdev::commands(), lines{});
     }
-    vdev::remove("-rf");
     // Nothing of a refused restore happened: no reboot, the store is whole.
     EXPECT_TRUE(vdev::exists("/tmp/cfg"));
 }

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <array>
+
 #include "fake_sleep.hpp"
 #include "quil.h"
 #include "vdev.hpp"
@@ -29,12 +31,10 @@ TEST(Wait, ConditionIsPolledWithinItsBound)
         EXPECT_EQ(fake_sleep::calls, static_cast<unsigned>(c.sleeps));
         EXPECT_EQ(fake_sleep::slept_us, 100000ULL * c.sleeps);
     }
-    const struct { int cond, ticks, result, sleeps; } value[] = {{7, 3, 1, 0}, {0, 0, 0, 11}, {0, -5, 0, 11}, {0, 2, 0, 3}};
-    for (const auto &c : value) {
-        SCOPED_TRACE(testing::Message() << "cond " << c.cond << " ticks " << c.ticks);
+    for (auto [cond, ticks, result, sleeps] : {std::array{7, 3, 1, 0}, {0, 0, 0, 11}, {0, -5, 0, 11}, {0, 2, 0, 3}}) {
         fake_sleep::reset();
-        EXPECT_EQ(vesk_wait_until(c.cond, c.ticks), c.result);
-        EXPECT_EQ(fake_sleep::calls, static_cast<unsigned>(c.sleeps));
+        EXPECT_EQ(vesk_wait_until(cond, ticks), result) << cond << " " << ticks;
+        EXPECT_EQ(fake_sleep::calls, static_cast<unsigned>(sleeps)) << cond << " " << ticks;
     }
 }
 

@@ -53,17 +53,16 @@ TEST(MiiStatus, LinkByEitherRequestAndFailures)
     EXPECT_EQ(vesk_mii_check_link_ex("eth2", &link, 0, 0), 1);
     EXPECT_EQ(vdev::ioctls(), lines({"eth2 miiphy phy=0 reg=1", "eth2 mdio phy=0 reg=0"}));
 
-    const std::string eperm(strerror(EPERM)), eio(strerror(EIO));
     vdev::remove("/run/vdev/fail/ioctl");
     vdev::fail_ioctl("eth2", "miiphy", "EPERM");
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_mii_check_link_ex("eth2", &link, 1, 1), 0); }),
-              "vesk_mii_check_link_ex: SIOCGMIIPHY on 'eth2' failed: " + eperm + "\n");
+              std::string("vesk_mii_check_link_ex: SIOCGMIIPHY on 'eth2' failed: ") + strerror(EPERM) + "\n");
     EXPECT_EQ(link, 0);
     vdev::remove("/run/vdev/fail/ioctl");
     vdev::fail_ioctl("eth2", "mdio", "EIO"); // a failed read is no answer, not 0xFFFF
     unsigned int code = 99;
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_mii_get_link_partner_speed_ex("eth2", &code, 1), 0); }),
-              "mdio_read(): SIOCGMIIREG on eth2 failed: " + eio + "\n");
+              std::string("mdio_read(): SIOCGMIIREG on eth2 failed: ") + strerror(EIO) + "\n");
     EXPECT_EQ(code, 0u);
 }
 

@@ -17,14 +17,11 @@ namespace {
 TEST(Sysinteract, CapturesOutputAndTellsHowTheCommandEnded)
 {
     const struct { const char *command; int size, result; const char *captured; } cases[] = {
-        {"printf 'a\\nb\\n'", 80, 1, "a\nb\n"},
+        {"printf 'a\\nb\\n'", 80, 1, "a\nb\n"}, {"kill -9 $$", 80, 0, ""},
         {"true", 80, 1, ""}, {"echo oops; exit 3", 80, 0, "oops\n"}, // no output, yet a good end: positive
         {"printf 12345678", 4, 1, "123"}, {"printf 12345678", 1, 1, ""}, // size counts the terminator
-        {"kill -9 $$", 80, 0, ""},
-        // The shell says it could not run the command at all.
-        {"echo found; no-such-tool", 80, -1, "found\n"}, {"/dev/null", 80, -1, ""},
-        // A megabyte would block a child whose pipe is not read to the end.
-        {"head -c 1048576 /dev/zero | tr '\\0' z", 8, 1, "zzzzzzz"},
+        {"echo found; no-such-tool", 80, -1, "found\n"}, {"/dev/null", 80, -1, ""}, // the shell could not run it
+        {"head -c 1048576 /dev/zero | tr '\\0' z", 8, 1, "zzzzzzz"}, // a pipe not read to the end would block
         // Lines without shell syntax run without the shell, to the same effect.
         {"/bin/echo a \t  b", 80, 1, "a b\n"}, {"echo -e a", 80, 1, "-e a\n"}, // the shell's own echo
         {"no_such_tool x", 80, -1, ""}, {"/tmp/not_executable", 80, -1, ""}, // 127, 126
@@ -48,16 +45,7 @@ TEST(Sysinteract, CapturesOutputAndTellsHowTheCommandEnded)
     EXPECT_STREQ(buf, "abc");
 }
 
-TEST(Cmd, StatusIsKeptWhenTheCallerIgnoresSigchld)
-{
-    signal(SIGCHLD, SIG_IGN);
-    EXPECT_EQ(CMD("exit 4"), 4);
-    char buf[8];
-    EXPECT_EQ(sysinteract(buf, sizeof buf, "echo x; exit 3"), 0);
-    EXPECT_EQ(signal(SIGCHLD, SIG_DFL), SIG_IGN);
-}
-
-TEST(Cmd, RunsThroughTheShellAndGivesTheStatus)
+TEST(Cmd, RunsThroughTheShellGivesTheStatusAndJournalsEachLineVerbatim)
 {
     EXPECT_EQ(CMD("echo %s > /tmp/cmd.out && echo %d >> /tmp/cmd.out", "one", 2), 0);
     EXPECT_EQ(vdev::read("/tmp/cmd.out"), "one\n2\n");
@@ -68,16 +56,16 @@ TEST(Cmd, RunsThroughTheShellAndGivesTheStatus)
     EXPECT_NE(err.find("no_such_tool: not found"), std::string::npos) << err; // the shell's message
     EXPECT_NE(CMD("kill -TERM $$"), 0);
     EXPECT_LT(CMD(nullptr), 0);
-}
-
-TEST(Cmd, JournalsEachLineVerbatim)
-{
+    signal(SIGCHLD, SIG_IGN); // the status is kept when the caller ignores SIGCHLD
+    EXPECT_EQ(CMD("exit 4"), 4);
     vdev::clear_journal();
     EXPECT_EQ(CMD("printf '%%s' 'a\\b\tc' > /dev/null "), 0);
     char buf[8];
     EXPECT_EQ(sysinteract(buf, sizeof buf, "echo x\n"), 1);
-    EXPECT_EQ(vdev::commands(), (std::vector<std::string>{"printf '%s' 'a\\b\tc' > /dev/null ", "echo x\n"}));
-    EXPECT_EQ(vdev::read("/run/vdev/journal"), "$ printf '%s' 'a\\\\b\\tc' > /dev/null \n$ echo x\\n\n");
+    EXPECT_EQ(sysinteract(buf, sizeof buf, "echo x; exit 3"), 0);
+    EXPECT_EQ(signal(SIGCHLD, SIG_DFL), SIG_IGN);
+    EXPECT_EQ(vdev::commands(), (std::vector<std::string>{"printf '%s' 'a\\b\tc' > /dev/null ", "echo x\n", "echo x; exit 3"}));
+    EXPECT_EQ(vdev::read("/run/vdev/journal"), "$ printf '%s' 'a\\\\b\\tc' > /dev/null \n$ echo x\\n\n$ echo x; exit 3\n");
 }
 
 TEST(FileQueries, CountSizeExistence)
@@ -164,9 +152,8 @@ TEST(Quil, CorruptLinesReadAsUnsetAndAFailedWriteKeepsTheFile)
 TEST(Quil, TokenCarriesMatchingKeysIntoTheNewFile)
 {
     int v = 1;
-    quil_set_value(&v, "scheduleS_en");
-    quil_set_value(&v, "scheduleS_5g_en");
-    quil_set_value(&v, "radio_opmode_1");
+    for (const char *key : {"scheduleS_en", "scheduleS_5g_en", "radio_opmode_1"})
+        quil_set_value(&v, key);
     vdev::put(QUIL_NEW_DAT_FILE, "scheduleS_en=9\nwlif_info=00\n");
     quil_save_new_file_by_token("scheduleS");
     quil_save_new_file_by_token("");
@@ -188,17 +175,15 @@ TEST(Quil, TextValuesOutOfRangeAreRefused)
         SCOPED_TRACE(std::string(c.key) + "=" + c.text);
         vdev::remove(QUIL_DAT_FILE);
         EXPECT_EQ(quil_set_text(c.key, c.text), c.result);
-        std::string file = vdev::read(QUIL_DAT_FILE);
-        EXPECT_EQ(file, c.result ? "" : std::string(c.key) + "=" + c.text + "\n");
+        EXPECT_EQ(vdev::read(QUIL_DAT_FILE), c.result ? "" : std::string(c.key) + "=" + c.text + "\n");
     }
 }
 
 TEST(Quil, KilledWritersLeaveTheOldOrTheNewValue)
 {
     const unsigned char rec[9] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
-    ASSERT_EQ(quil_set_value(rec, "timedaylight"), 0);
     int old = 0;
-    ASSERT_EQ(quil_set_value(&old, "radio_opmode_1"), 0);
+    ASSERT_EQ(quil_set_value(rec, "timedaylight") + quil_set_value(&old, "radio_opmode_1"), 0);
     unsigned int seed = 14;
     for (int i = 1; i <= 1000; i++) {
         pid_t child = fork();
@@ -207,8 +192,7 @@ TEST(Quil, KilledWritersLeaveTheOldOrTheNewValue)
             _exit(quil_set_value(&i, "radio_opmode_1") ? 1 : 0);
         struct timespec pause = {0, static_cast<long>(rand_r(&seed) % 500) * 1000};
         nanosleep(&pause, nullptr);
-        kill(child, SIGKILL);
-        waitpid(child, nullptr, 0);
+        kill(child, SIGKILL), waitpid(child, nullptr, 0);
         int now = quil_get_int_value("radio_opmode_1");
         ASSERT_TRUE(now == old || now == i) << "after writer " << i << ": " << now;
         ASSERT_EQ(vdev::read(QUIL_DAT_FILE), "timedaylight=010203040506070809\nradio_opmode_1=" + std::to_string(now) + "\n");
@@ -221,27 +205,21 @@ TEST(Quil, KilledWritersLeaveTheOldOrTheNewValue)
 
 TEST(Quil, TwoWritersAtOnceLoseNoRecord)
 {
-    constexpr int kWrites = 200;
-    auto writer = [](const char *format) {
-        pid_t pid = fork();
-        if (pid == 0) {
-            for (int i = 1; i <= kWrites; i++) {
-                char key[32];
-                snprintf(key, sizeof key, format, i);
-                if (quil_set_value(&i, key) != 0)
-                    _exit(1);
-            }
-            _exit(0);
-        }
-        return pid;
-    };
-    pid_t a = writer("radio_opmode_%d"), b = writer("wl1%dhidessid");
-    for (pid_t pid : {a, b}) {
+    pid_t writers[2];
+    for (int w = 0; w < 2; w++) {
+        if ((writers[w] = fork()) != 0)
+            continue;
+        for (int i = 1; i <= 200; i++)
+            if (quil_set_value(&i, ((w ? "wl1" : "radio_opmode_") + std::to_string(i) + (w ? "hidessid" : "")).c_str()))
+                _exit(1);
+        _exit(0);
+    }
+    for (pid_t pid : writers) {
         int status = -1;
         ASSERT_EQ(waitpid(pid, &status, 0), pid);
         EXPECT_EQ(status, 0);
     }
-    for (int i = 1; i <= kWrites; i++) {
+    for (int i = 1; i <= 200; i++) {
         ASSERT_EQ(quil_get_int_value("radio_opmode_%d", i), i);
         ASSERT_EQ(quil_get_int_value("wl1%dhidessid", i), i);
     }

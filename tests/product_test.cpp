@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <array>
 #include <cstring>
 #include <string>
 
@@ -70,16 +70,11 @@ TEST(Product, BoardDomainFallsBackToItsDefault)
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.printed ? c.printed : "(absent)");
-        if (c.printed) {
-            vdev::set_board("domain", c.printed);
-            vdev::set_board("dom2", c.printed);
-        } else {
-            vdev::put("/run/vdev/board.conf", "hw_id=010E0012\n");
-        }
+        c.printed ? (vdev::set_board("domain", c.printed), vdev::set_board("dom2", c.printed))
+                  : vdev::put("/run/vdev/board.conf", "hw_id=010E0012\n");
         vdev::clear_journal();
-        EXPECT_EQ(vesk_product_get_board_domain(0), c.first);
-        EXPECT_EQ(vesk_product_get_board_domain(1), c.second);
-        EXPECT_EQ(vesk_product_get_board_domain(-3), c.second);
+        EXPECT_EQ((std::array{vesk_product_get_board_domain(0), vesk_product_get_board_domain(1), // in this order
+                              vesk_product_get_board_domain(-3)}), (std::array{c.first, c.second, c.second}));
         EXPECT_EQ(vdev::commands(), (std::vector<std::string>{"board_config get domain", "board_config get dom2",
                                                               "board_config get dom2"}));
     }
@@ -99,10 +94,9 @@ TEST(Product, HardwareIdTextNumberAndRow)
         SCOPED_TRACE(c.hw_id);
         vdev::set_board("hw_id", c.hw_id);
         vdev::clear_journal(); // row 0 serves any id
-        EXPECT_EQ(vesk_product_get_index(), 0);
-        EXPECT_STREQ(vesk_product_get_model_name(), "QN.LAM");
-        EXPECT_EQ(vesk_product_get_fw_upg_product_id(), 18u);
-        EXPECT_STREQ(vesk_product_get_support_language(1), "uk");
+        EXPECT_EQ(std::make_tuple(vesk_product_get_index(), std::string(vesk_product_get_model_name()),
+                                  vesk_product_get_fw_upg_product_id(), std::string(vesk_product_get_support_language(1))),
+                  std::make_tuple(0, "QN.LAM", 18u, "uk"));
         EXPECT_EQ(vdev::commands(), std::vector<std::string>(c.asks, "board_config get hw_id"));
         // The hardware-ID getters ask the board on every call.
         char *text = vesk_product_get_board_hw_id_str();

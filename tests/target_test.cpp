@@ -20,10 +20,8 @@ static_assert(sizeof(void *) == 4 && sizeof(long) == 4, "the board is 32-bit");
 
 namespace {
 
-// Device-private requests (MII, the bridge's SIOCDEVPRIVATE, the Ethernet
-// driver's 0x89FD/0x89FE, Wireless Extensions) that no driver model covers
-// get the kernel's answers, also under qemu-user, which itself would refuse
-// them with ENOSYS.
+// MII, bridge, Ethernet-driver and Wireless-Extensions requests that no driver
+// model covers: also under qemu-user (itself answering ENOSYS).
 TEST(Target, DevicePrivateRequestsWithoutADriverGetTheKernelsAnswer)
 {
     vesk::unique_fd s(socket(AF_INET, SOCK_DGRAM, 0));
