@@ -207,14 +207,14 @@ TEST(IwStream, AgreesWithLibiwOnRandomStreams)
         compare(iw, g.make(version), version, n);
     }
     // Streams by hand, and where the reader puts the payload (-1: nowhere).
-    const struct { std::vector<char> bytes; int version; long payload; } crafted[] = {
+    const struct { std::string bytes; int version; long payload; } crafted[] = {
         // before version 19 the other word size's length comes from other bytes than the
         // count checked: a payload that would run past the stream's end is refused
-        {{20, 0, 0x1B, char(0x8B), 0, 0, 0, 0, 2, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0}, 18, -1},
-        {{12, 0, 0x2B, char(0x8B), 0, 0, 0, 0, 0x10, 0, 0, 0}, 22, 8}, // a key of length 0 may carry bytes
+        {std::string("\x14\0\x1B\x8B\0\0\0\0\x02\0\x01\0", 12) + std::string(8, '\0'), 18, -1},
+        {std::string("\x0C\0\x2B\x8B\0\0\0\0\x10\0\0\0", 12), 22, 8}, // a key of length 0 may carry bytes
     };
     for (const auto &c : crafted) {
-        std::vector<char> stream = c.bytes;
+        std::vector<char> stream(c.bytes.begin(), c.bytes.end());
         vesk_iw_stream s;
         iw_init_event_stream(&s, stream.data(), int(stream.size()));
         EXPECT_EQ(read_one(iw_extract_event_stream, s, c.version).payload, c.payload) << c.version;

@@ -334,8 +334,8 @@ TEST(WlanSchedule, SwitchesRadioAndSsidsInOrder)
 
     // With both schedules off the mask is kept in its slot but nothing is down.
     set_number("scheduleS_5g_en", 0);
-    EXPECT_EQ(vesk_find_SSID_will_be_down(1, 1, 7), 0u);
-    EXPECT_EQ(std::make_tuple(wlif().slot_mask[1][1][0], wlif().down_mask[1][0]), std::make_tuple(7, 0));
+    EXPECT_EQ(vesk_find_SSID_will_be_down(1, 1, 0x207), 0u);
+    EXPECT_EQ(std::make_tuple(wlif().slot_mask[1][1][0], wlif().slot_mask[1][1][1], wlif().down_mask[1][0]), std::make_tuple(7, 2, 0));
     EXPECT_EQ(reset_SSID_onoff_status(1), 0);
     EXPECT_EQ(std::make_tuple(wlif().slot_mask[1][1][0], wlif().slot_mask[0][1][0]), std::make_tuple(0, 0b101)); // radio 0 kept its state
 
@@ -393,6 +393,7 @@ TEST(WlanKeys, PinsAndHexKeys)
     }
     char key[65] = {};
     EXPECT_EQ(vesk_gen_random_hex_key(key, 0), 1);
+    EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_gen_random_hex_key(nullptr, 0), 1); }), ""); // nothing to write
     EXPECT_STREQ(key, "");
     EXPECT_EQ(vesk_gen_random_hex_key(key, 64), 1);
     EXPECT_EQ(strspn(key, "0123456789ABCDEF"), 64u) << key;
