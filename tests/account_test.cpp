@@ -22,10 +22,12 @@ TEST(AdminSession, RecordTimeoutsAndType)
               std::string::npos);
 
     const struct { unsigned int time; unsigned char type; unsigned int now; int http, cgi; const char *name; } cases[] = {
-        {0, 0, 5000, 0, 0, "none"},                                       // no login time, no expiry
-        {1000, 4, 1060, 0, 0, "consloe"}, {1000, 5, 1061, 0, 1, "cgi"},   // 60 seconds old: still alive
-        {1000, 1, 1300, 0, 1, "http"}, {1000, 200, 1301, 1, 1, "none"},   // 300 seconds old: still alive
-        {1000, 3, 999, 1, 1, "ssh"},                                      // a clock behind the login
+        {0, 0, 5000, 0, 0, "none"},       // no login time, no expiry
+        {1000, 4, 1060, 0, 0, "consloe"}, // 60 seconds old: still alive
+        {1000, 5, 1061, 0, 1, "cgi"},
+        {1000, 1, 1300, 0, 1, "http"},    // 300 seconds old: still alive
+        {1000, 200, 1301, 1, 1, "none"},
+        {1000, 3, 999, 1, 1, "ssh"},      // a clock behind the login
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.now);
@@ -45,7 +47,8 @@ TEST(AdminSession, DuplicateLogins)
     const struct { const char *recorded; unsigned char type; unsigned int now; const char *client; unsigned char next; int dup; } cases[] = {
         {"192.0.2.1", none, 1000, "192.0.2.2", http, 0}, {"192.0.2.1", http, 9999, "not an address", http, 1},
         {"192.0.2.1", http, 9999, "192.0.2.1", http, 0}, // same address: no duplicate, whatever the age
-        {"0.0.0.0", http, 1000, "192.0.2.2", cgi, 0}, {"192.0.2.1", http, 9999, "192.0.2.1", cgi, 1}, // every cgi login
+        {"0.0.0.0", http, 1000, "192.0.2.2", cgi, 0},
+        {"192.0.2.1", http, 9999, "192.0.2.1", cgi, 1}, // every cgi login, without timeout
         {"192.0.2.1", http, 1300, "192.0.2.1", ssh, 1}, {"192.0.2.1", http, 1301, "192.0.2.1", ssh, 0},
         {"255.255.255.255", http, 1000, "192.0.2.1", ssh, 0}, {"192.0.2.1", cgi, 1301, "192.0.2.2", telnet, 0},
         {"192.0.2.1", cgi, 9999, "192.0.2.2", cgi, 1},

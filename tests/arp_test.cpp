@@ -129,7 +129,7 @@ TEST(GratArp, FrameOfTheBridgeOrNothing)
     // The target word 0xFF000000 in the little-endian host's order.
     const unsigned char target[4] = {0, 0, 0, 0xFF};
     EXPECT_EQ(frames[0], expected_frame(sys_mac("br0"), "192.0.2.1", target));
-    // Without the bridge's address, or the bridge, nothing is sent.
+    // Without the bridge's address, or the bridge, it gives up and says why.
     ASSERT_EQ(vdev::sh("ip addr flush dev br0"), 0);
     EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_send_grat_arp(), 0); }), "vesk_send_grat_arp: cannot get ip, quit!\n");
     ASSERT_EQ(vdev::sh("ip link del br0"), 0);

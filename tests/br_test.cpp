@@ -31,7 +31,10 @@ TEST(BrTable, ReadsWindowsAndLooksUpInBatchesOf128)
     int locals = 0; // every entry is on port 1; the one local entry is eth2's own address
     for (int i = 0; i < 300; i++) {
         EXPECT_EQ(all[i].port_no, 1);
-        locals += all[i].is_local ? std::vector<unsigned char>(all[i].mac_addr, all[i].mac_addr + 6) == eth2 ? 1 : 2 : 0;
+        if (all[i].is_local) {
+            locals++;
+            EXPECT_EQ(std::vector<unsigned char>(all[i].mac_addr, all[i].mac_addr + 6), eth2);
+        }
     }
     EXPECT_EQ(locals, 1);
     const struct { unsigned long offset, num; int result; } windows[] = {

@@ -2,6 +2,8 @@
 #include <sys/socket.h>
 #include <sys/utsname.h>
 
+#include <array>
+
 #include "net_helpers.hpp"
 #include "vesk_if.h"
 
@@ -58,10 +60,11 @@ TEST(IfQuery, NullNameAndNoSocket)
                   EXPECT_TRUE(!vesk_if_get_ip(nullptr) && !vesk_if_get_dst_ip(nullptr) && !vesk_if_get_mask(nullptr) &&
                               !vesk_if_get_subnet(nullptr));
                   unsigned char mac[6];
-                  EXPECT_EQ(vesk_if_get_hw_addr(nullptr, mac) + vesk_if_is_existed(nullptr) +
-                                vesk_if_is_ip_ready(nullptr) + vesk_if_is_up(nullptr) + vesk_if_get_index(nullptr) +
-                                vesk_if_get_mtu(nullptr) + vesk_if_set_lan_state(nullptr, 1), // the last silently
-                            0);
+                  // A braced list calls them in order, as the messages expect.
+                  EXPECT_EQ((std::array{vesk_if_get_hw_addr(nullptr, mac), vesk_if_is_existed(nullptr),
+                                        vesk_if_is_ip_ready(nullptr), vesk_if_is_up(nullptr), vesk_if_get_index(nullptr),
+                                        vesk_if_get_mtu(nullptr), vesk_if_set_lan_state(nullptr, 1)}), // the last silently
+                            (std::array<int, 7>{}));
               }), want);
     // No descriptor can be opened: only the hardware-address query and the
     // LAN-state request say so.

@@ -12,7 +12,6 @@
 #include <string>
 #include <vector>
 
-
 namespace {
 
 using init_fn = void (*)(vesk_iw_stream *, char *, int);

@@ -1,3 +1,4 @@
+#include <ctype.h>
 #include <gtest/gtest.h>
 
 #include "output_of.hpp"
@@ -71,8 +72,9 @@ TEST(Uuid, TemplateAndToolFromTheBoardMac)
             vdev::clear_journal();
             std::string got = vesk_get_uuid_by_wlan_mac(which), mac = which == 1 ? c.mac1 : c.mac0;
             EXPECT_EQ(vdev::commands(), (lines{"board_config get ethaddr", "uuidgen -m " + mac})) << which;
-            // The tool's own line, its line end included.
-            EXPECT_STRCASEEQ(got.substr(24).c_str(), (mac + "\n").c_str()) << which;
+            for (char &ch : mac) // the tool's own line, lower case, its line end included
+                ch = char(tolower(ch));
+            EXPECT_EQ(got, got.substr(0, 24) + mac + "\n") << which;
         }
     }
     // A failing tool gives the fixed text, whatever the MAC.

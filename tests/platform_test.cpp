@@ -183,7 +183,8 @@ TEST(Quil, KilledWritersLeaveTheOldOrTheNewValue)
 {
     const unsigned char rec[9] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
     int old = 0;
-    ASSERT_EQ(quil_set_value(rec, "timedaylight") + quil_set_value(&old, "radio_opmode_1"), 0);
+    ASSERT_EQ(quil_set_value(rec, "timedaylight"), 0); // first in the file
+    ASSERT_EQ(quil_set_value(&old, "radio_opmode_1"), 0);
     unsigned int seed = 14;
     for (int i = 1; i <= 1000; i++) {
         pid_t child = fork();

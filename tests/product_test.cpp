@@ -70,8 +70,10 @@ TEST(Product, BoardDomainFallsBackToItsDefault)
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.printed ? c.printed : "(absent)");
-        c.printed ? (vdev::set_board("domain", c.printed), vdev::set_board("dom2", c.printed))
-                  : vdev::put("/run/vdev/board.conf", "hw_id=010E0012\n");
+        if (c.printed)
+            vdev::set_board("domain", c.printed), vdev::set_board("dom2", c.printed);
+        else
+            vdev::put("/run/vdev/board.conf", "hw_id=010E0012\n");
         vdev::clear_journal();
         EXPECT_EQ((std::array{vesk_product_get_board_domain(0), vesk_product_get_board_domain(1), // in this order
                               vesk_product_get_board_domain(-3)}), (std::array{c.first, c.second, c.second}));

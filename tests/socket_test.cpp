@@ -17,7 +17,8 @@ int listener()
 {
     const int fd = socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in a{AF_INET, htons(kPort), {htonl(INADDR_LOOPBACK)}, {}};
-    EXPECT_EQ(bind(fd, reinterpret_cast<sockaddr *>(&a), sizeof a) | listen(fd, 1), 0);
+    EXPECT_EQ(bind(fd, reinterpret_cast<sockaddr *>(&a), sizeof a), 0);
+    EXPECT_EQ(listen(fd, 1), 0);
     return fd;
 }
 

@@ -44,11 +44,14 @@ TEST(Stats, RunningKernel)
     sockaddr_in a = {AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
     socklen_t len = sizeof a;
     const timeval bound = {5, 0};
-    ASSERT_EQ(setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &bound, sizeof bound) | bind(fd, (sockaddr *)&a, sizeof a) |
-                  getsockname(fd, (sockaddr *)&a, &len), 0);
+    ASSERT_EQ(setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &bound, sizeof bound), 0);
+    ASSERT_EQ(bind(fd, (sockaddr *)&a, sizeof a), 0);
+    ASSERT_EQ(getsockname(fd, (sockaddr *)&a, &len), 0); // the port bind chose
     char byte;
-    for (int i = 0; i < 3; i++)
-        ASSERT_EQ(sendto(fd, "x", 1, 0, (sockaddr *)&a, sizeof a) + recv(fd, &byte, 1, 0), 2);
+    for (int i = 0; i < 3; i++) {
+        ASSERT_EQ(sendto(fd, "x", 1, 0, (sockaddr *)&a, sizeof a), 1);
+        ASSERT_EQ(recv(fd, &byte, 1, 0), 1);
+    }
     close(fd);
     vesk_if_stats s;
     ASSERT_EQ(vesk_if_get_stats("lo", &s), 1);
@@ -99,7 +102,8 @@ TEST(Stats, LayoutsBadInputAndMissingFile)
               "vesk_if_get_stats: input error!\nvesk_if_get_stats: input error!\n");
     vdev::remove("/proc/net/dev");
     memset(&s, 0xAA, sizeof s);
-    EXPECT_EQ(vesk_if_get_stats("lo", &s) + s.rx_packets, 0xAAAAAAAAAAAAAAAAull); // 0, and untouched
+    EXPECT_EQ(vesk_if_get_stats("lo", &s), 0);
+    EXPECT_EQ(s.rx_packets, 0xAAAAAAAAAAAAAAAAull); // untouched
 }
 
 } // namespace

@@ -86,7 +86,9 @@ TEST(Text, SkipWhitespaceAndLastCharacter)
     EXPECT_EQ(vesk_char_skip_whitespace(nullptr), nullptr);
     exact_copy slash("/tmp/");
     EXPECT_EQ(vesk_char_last_is(slash, '/'), slash.get() + 4);
-    EXPECT_EQ(vesk_char_last_is(slash, 'p') ?: vesk_char_last_is("", '\0') ?: vesk_char_last_is(nullptr, '/'), nullptr);
+    EXPECT_EQ(vesk_char_last_is(slash, 'p'), nullptr);
+    EXPECT_EQ(vesk_char_last_is("", '\0'), nullptr);
+    EXPECT_EQ(vesk_char_last_is(nullptr, '/'), nullptr);
 }
 
 TEST(Text, LastPathComponent)
@@ -104,7 +106,8 @@ TEST(Text, LastPathComponent)
         EXPECT_STREQ(b, c.stripped);
         EXPECT_TRUE(got >= b.get() && got <= b.get() + strlen(c.path)); // points into path
     }
-    EXPECT_EQ(vesk_string_get_last_path_component_nostrip(nullptr) ?: vesk_string_get_last_path_component_strip(nullptr), nullptr);
+    EXPECT_EQ(vesk_string_get_last_path_component_nostrip(nullptr), nullptr);
+    EXPECT_EQ(vesk_string_get_last_path_component_strip(nullptr), nullptr);
 }
 
 TEST(Text, StrcatAppendsFormattedText)

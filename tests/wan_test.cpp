@@ -40,8 +40,10 @@ TEST(PppStatus, DaemonGatewayAndRouteCheck)
     }
     // A route check that cannot be run at all: no shell. Under qemu-user the
     // failed exec shows as a shell that ended with 127, not as a failed spawn.
-    ASSERT_EQ(vdev::under_qemu() ? 0 : vdev::sh("mount --bind /dev/null /bin/sh"), 0);
-    EXPECT_EQ(vdev::under_qemu() ? 2 : vesk_wan_get_ppp_status("pppd", "ppp0"), 2);
+    if (!vdev::under_qemu()) {
+        ASSERT_EQ(vdev::sh("mount --bind /dev/null /bin/sh"), 0);
+        EXPECT_EQ(vesk_wan_get_ppp_status("pppd", "ppp0"), 2);
+    }
 }
 
 TEST(WanDetection, MarkerFiles)
