@@ -120,12 +120,11 @@ TEST(Socket, BadArgumentsEndTheProcessWithTheirLine)
         {[] { vesk_socket_recv(nullptr, 1); }, "'pkt!=0' vesk_socket_recv vesk_socket.cpp:183"},
         {[] { vesk_socket_recv(&pkt, 1500); }, "'len < MAX_VESK_SOCKET_BUFFER' vesk_socket_recv vesk_socket.cpp:184"},
         {[] { vesk_socket_close(nullptr); }, "'pkt!=0' vesk_socket_close vesk_socket.cpp:214"},
-        {[] { pkt.recv_timeout = 0; vesk_socket_recv(&pkt, 1499); }, nullptr}, // the longest len passes
     };
     for (const auto &c : cases) {
         vdev::outcome o = vdev::in_child([&] { c.call(); });
-        EXPECT_EQ(o.status, c.out ? 1 : 0) << o.out;
-        EXPECT_EQ(o.out, c.out ? "VESK_ASSERT FAILED " + std::string(c.out) + "\n" : "");
+        EXPECT_EQ(o.status, 1) << o.out;
+        EXPECT_EQ(o.out, "VESK_ASSERT FAILED " + std::string(c.out) + "\n");
     }
 }
 
