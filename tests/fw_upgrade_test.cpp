@@ -84,7 +84,6 @@ TEST(FwUpgrade, ProgressReadsTheStatusFileOfTheLastComponent)
         int percent = 7;
         EXPECT_EQ(vesk_firmware_get_upgrade_progress(name, &percent), c.result);
         EXPECT_EQ(percent, c.percent);
-        EXPECT_STREQ(name, "/tmp/up/fw.bin");
     }
     int percent = 7;
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_firmware_get_upgrade_progress(nullptr, &percent), -1); }),

@@ -19,11 +19,8 @@ TEST(Mtd, FindsPartitionByLinePosition)
         {"second of two", "mtd0: 00030000 00010000 \"Boot\"\nmtd1: 00e90000 00010000 \"Kernel\"\n", "Kernel", 1,
          0xe90000},
         {"position, not token", "mtd7: 00400000 00010000 \"Kernel\"\n", "Kernel", 0, 0x400000},
-        {"over-long line counts once",
-         "mtd0: 1 1 \"" + std::string(200, 'x') + "\"\nmtd1: 00020000 00010000 \"Kernel\"\n", "Kernel", 1, 0x20000},
         {"31 characters", "mtd0: 00001000 1 \"" + std::string(31, 'n') + "\"\n", std::string(31, 'n'), 0, 0x1000},
         {"prefix only", kernel, "Kern", -1, 0},
-        {"unquoted name", "mtd0: 00010000 00010000 Kernel\n", "Kernel", -1, 0},
         {"name past the field's width", "mtd0: 1 1 \"" + long_name + "\"\n", long_name, -1, 0},
     };
     for (const auto &c : cases) {
@@ -62,7 +59,10 @@ TEST(Uuid, TemplateAndToolFromTheBoardMac)
     for (const auto &c : cases) {
         SCOPED_TRACE(c.ethaddr ? c.ethaddr : "(tool fails)");
         vdev::remove("/run/vdev/fail/board_config");
-        c.ethaddr ? vdev::set_board("ethaddr", c.ethaddr) : vdev::put("/run/vdev/fail/board_config", "");
+        if (c.ethaddr)
+            vdev::set_board("ethaddr", c.ethaddr);
+        else
+            vdev::put("/run/vdev/fail/board_config", "");
         vdev::clear_journal();
         char *uuid = vesk_get_uuid();
         EXPECT_STREQ(uuid, (std::string("f0015eb6-69b9-436e-a383-") + c.tail).c_str());
