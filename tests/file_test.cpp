@@ -87,7 +87,7 @@ TEST(FileText, BackupKeepsTheWholeOldFile)
     EXPECT_EQ(vesk_file_text_truncate(kLog, bak, 5, 2), 1);
     EXPECT_EQ(vdev::read(kLog), numbered(6, 8));
     EXPECT_EQ(vdev::read(bak), numbered(1, 8));
-    EXPECT_EQ(vesk_file_text_truncate(kLog, bak, 5, 2), 1); // within the bound
+    EXPECT_EQ(vesk_file_text_truncate(kLog, bak, 5, 2), 1); // within the bound, with a backup
     EXPECT_EQ(vesk_file_text_truncate("/var/log/absent.log", nullptr, 0, 0), 1);
     // No work file, and nothing for an absent file.
     EXPECT_EQ(vdev::commands(), lines{"mv /var/log/vesk.log /var/log/vesk.log.bak"});

@@ -50,7 +50,7 @@ TEST(FwRestore, PrefixListTokensGoToTheStoreBeforeTheFileIsReplaced)
 
 TEST(FwRestore, RebootOnlyWhenAskedAndUsbCopiesOnlyWithUsboot)
 {
-    // Without reboot the commands stop before sd_ctrl (Command.OtherWordsAreQuotedAndWork).
+    // The device is told last; without reboot the commands end at the rm (Command.OtherWordsAreQuotedAndWork).
     vdev::put("/tmp/restore.dat", "x");
     vdev::clear_journal();
     EXPECT_EQ(vesk_do_restore_config("/tmp/restore.dat", 1), 1);
