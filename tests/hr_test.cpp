@@ -7,8 +7,7 @@ namespace {
 TEST(Hr, U64)
 {
     const struct { unsigned long long val, unit; const char *text; } cases[] = { // unit 0: steps of 1024 with a letter
-        {1023, 0, "1023"}, {1024, 0, "1.0k"}, {1075, 0, "1.0k"}, {1076, 0, "1.1k"}, // 52/1024 of a step rounds up
-        {2047, 0, "2.0k"},       // the tenth rounds up to 10 and carries
+        {1023, 0, "1023"}, {1024, 0, "1.0k"}, {1076, 0, "1.1k"}, {2047, 0, "2.0k"}, // 2047: the tenth carries
         {1048575, 0, "1024.0k"}, // the carry reaches 1024 and the unit stays
         {1048576, 0, "1.0M"}, {18446744073709551615ull, 0, "16777216.0T"}, // no letter above T
         {0, 0, "0"}, {1499, 1000, "1"}, {1500, 1000, "2"}, {18446744073709551615ull, 1, "18446744073709551615"},
