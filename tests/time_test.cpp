@@ -226,7 +226,6 @@ TEST(Calendar, StepsDaysThenMonthsThenYears)
     const struct { vesk_date base, step, result; } cases[] = {
         {ymd(2016, 2, 29), ymd(1, 0, 0), ymd(2017, 3, 1)}, {ymd(2015, 1, 31), ymd(0, 1, 0), ymd(2015, 2, 31)}, // no clamp
         {ymd(2015, 11, 5), ymd(0, 3, 0), ymd(2016, 2, 5)}, {ymd(2015, 1, 31), ymd(0, 1, 1), ymd(2015, 3, 1)}, // days first
-        {ymd(2015, 2, 29), ymd(0, 0, 0), ymd(2015, 3, 1)}, // a zero step mends a false leap day
         {ymd(2015, 13, 10), ymd(1, 1, 1), ymd(2015, 13, 10)}, {ymd(2015, 0, 10), ymd(1, 1, 1), ymd(2015, 0, 10)},
         {ymd(65535, 2, 29), ymd(101, 0, 0), ymd(100, 3, 1)}, // the year wraps in 16 bits before the leap test
     };
