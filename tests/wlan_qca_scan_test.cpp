@@ -238,6 +238,9 @@ TEST(QcaSecurity, WordsMatchWiresharksDissection)
         ASSERT_TRUE(std::getline(dissected, line));
         EXPECT_EQ(recs[i].security, words(line)) << line;
     }
+    // Values past the word tables.
+    EXPECT_STREQ(ieee80211_get_enc_type(12), "UNKNOW");
+    EXPECT_STREQ(ieee80211_get_auth_mode(10), "UNKNOW");
 }
 
 } // namespace

@@ -460,9 +460,9 @@ TEST(WlanIwconfig, ReadsBothFormsAndBothKindsOfLevel)
         {"freq=5.745\nfixed=1\nsignal=60/100\n", ". 60 . 0 . . 5745 Not-Associated"},
         // one digit after the point gains its zeros over the lines behind it
         {"freq=5.2\n", ". . . 0 . . 5200 Not-Associated"},
-        // a channel only in the "=" form
+        // a channel only in the "=" form, and never from the ESSID's line
         {"channel=11\nfixed=1\n", ". . . 0 . 11 0 Not-Associated"},
-        {"channel=11\n", ". . . 0 . . 0 Not-Associated"},
+        {"essid=\"Channel=6\"\nchannel=11\n", ". . . 0 . . 0 Not-Associated"},
         // an access point's text longer than the field is cut to it
         {"ap=0123456789ABCDEFGHIJKLMNOP\n", ". . . 0 . . 0 0123456789ABCDEFGHI"},
     };
@@ -483,6 +483,11 @@ TEST(WlanIwconfig, ReadsBothFormsAndBothKindsOfLevel)
     EXPECT_EQ(fields(info), ". . . 0 . . . .");
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_get_wlan_interface_info(nullptr, &info), 0); }),
               "Err: vesk_get_wlan_interface_info, dev_name is NULL!\n");
+    const vesk_wlan_info shown = {70, -30, -95, 1, 300, "02:00:00:00:01:00", 36, 5180};
+    EXPECT_EQ(stdout_of([&] { vesk_dump_wlan_info(&shown); }),
+              "=====Wlan Status =====\nlinkQuality 70\nsignalLevel -30\nnoiseLevel -95\nisLevelinDbm 1\nbitRate 300\n"
+              "Mac 02:00:00:00:01:00\nchannel 36\nfrequency 5180\n");
+    vesk_dump_wlan_info(nullptr);
 }
 
 TEST(WlanIwconfig, EscapedKeyReadsBackThroughTheShell)
