@@ -60,7 +60,6 @@ TEST(WlanSurvey, FileFillsNoMoreThanTheBuffer)
         EXPECT_EQ(std::string(buf[0].ssid) + "|" + buf[0].wireless_type + "|" + buf[63].ssid, "Cafe||n63");
         EXPECT_EQ(std::make_tuple(buf[64].channel, buf.back().channel), std::make_tuple(records > 64 ? 11 : 99, 99));
     }
-    EXPECT_TRUE(vdev::ioctls().empty());
 }
 
 constexpr char kLab[] = "bssid=02:AA:00:00:00:01 channel=36 ssid=\"Lab, 5G\" security=WPA2PSK/AES rssi=81 type=11a/n "
@@ -111,7 +110,6 @@ TEST(WlanSurvey, RalinkScanThenFile)
     vdev::remove("/run/vdev/fail/ioctl");
     vdev::put("/tmp/survey/ch_0.txt", "uptime: 600\r\n");
     EXPECT_EQ(ra0_survey(again, 0), 1);
-    EXPECT_EQ(again[0].channel, 36);
     EXPECT_EQ(vdev::read("/tmp/survey/ch_0.txt"), "uptime: 600\r\n");
 
     // Without the directory every request scans and nothing is stored.
@@ -390,7 +388,13 @@ TEST(WlanKeys, PinsAndHexKeys)
     EXPECT_EQ(vesk_gen_random_hex_key(key, 0), 1);
     EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_gen_random_hex_key(nullptr, 0), 1); }), ""); // nothing to write
     EXPECT_STREQ(key, "");
+    // Each key has a fresh seed: the generator's state before the call does not decide it.
+    char again[65] = {};
+    srand(1);
     EXPECT_EQ(vesk_gen_random_hex_key(key, 64), 1);
+    srand(1);
+    vesk_gen_random_hex_key(again, 64);
+    EXPECT_STRNE(key, again);
     EXPECT_EQ(strspn(key, "0123456789ABCDEF"), 64u) << key;
 }
 
