@@ -179,7 +179,6 @@ TEST(VeskTool, Neighbours)
         {"", "br port 02:00:00:00:00:77", 1, "no answer \\(unknown\\)"},
         {"", "br port 02:00:00:00:00", 2, "not a MAC"},
         {"", "br fdb", 0, "(1 [01] ([0-9A-F]{2}:){5}[0-9A-F]{2}\n)+"},
-        {"", "-j br fdb", 0, "\\[(\\{\"port\":1,\"local\":[01],\"mac\":\"[0-9A-F:]{17}\"\\},?)+\\]\n"},
         {"", "br fdb nosuch0", 1, "no forwarding table for nosuch0"},
         {"", "br del 02:00:00:00:00:77", 0, ""},
         {"", "br del 020000000077", 2, "not a MAC address xx:xx"},
@@ -277,7 +276,6 @@ TEST(VeskTool, TextNumbersAndWan)
         {"", "wan ports 80 0 1000 2000", 0, "80, 1000-2000\n"},
         {"", "wan ports 65536", 2, "greater than 65535"},
         {"", "wan list '80, 1000-2000' 4", 0, "80 0\n1000 2000\n"},
-        {"", "-j wan list 443 2", 0, "\\[\\{\"start\":443,\"end\":0\\}\\]\n"},
         {"", "wan list 80 0", 2, "from 1 to 64"},
         {"", "wan list nosuch0", 2, "not a list of ports"},
     });
