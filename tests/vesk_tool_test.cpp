@@ -102,7 +102,6 @@ TEST(VeskTool, Addresses)
         {"", "mac vendor 02:FF:FF:00:00:01", 1, "no answer"},
         {"", "mac oui-vendor 0x00000C", 0, "Cisco Systems, Inc\n"},
         {"", "mac oui-vendor 0x1000000", 2, "greater than 16777215"},
-        {"", "ip num hello", 2, "hello is not a dotted IPv4 address"},
         {"", "ip str 0", 0, "0.0.0.0\n"},
         {"", "ip str 0x100000000", 2, "greater than"},
         {"", "ip same-subnet 192.0.2.1 192.0.2.77 255.255.255.0", 0, "1\n"},
@@ -276,7 +275,6 @@ TEST(VeskTool, TextNumbersAndWan)
         {"", "wan ports 80 0 1000 2000", 0, "80, 1000-2000\n"},
         {"", "wan ports 65536", 2, "greater than 65535"},
         {"", "wan list '80, 1000-2000' 4", 0, "80 0\n1000 2000\n"},
-        {"", "wan list 80 0", 2, "from 1 to 64"},
         {"", "wan list nosuch0", 2, "not a list of ports"},
     });
 }
@@ -365,7 +363,6 @@ TEST(VeskTool, AccountsPhyAndDaemon)
         {"/run/vdev/emu/peers/radius_server s3 alice pw", "account radius alice pw s3 127.0.0.1 1812", 0, "accepted\n"},
         {"", "account radius alice wrong s3 127.0.0.1 1812", 1, "alice was not accepted"},
         {"", "account radius 'al\"ice' pw s3 127.0.0.1 1812", 2, "holds a double quote"},
-        {"", "account radius alice pw s3 127.0.0.1 0", 2, "0 is not a number from 1 to 65535"},
         {"", "phy link", 0, "up\n"},
         {"", "phy link eth2 4", 0, "down\n"},
         {"", "phy link br0", 1, "no link state for br0"},

@@ -157,6 +157,7 @@ const cell kCells[] = {
     {"RSN cut short before its AKM list", true, "0004766573 30140100000fac040100000fac04"},
     {"WPA2 with an unknown AKM (SAE)", true, "30140100000fac040100000fac040100000fac080000"},
     {"WPA2-PSK behind three vendor AKMs", true, "30200100000fac040100000fac0404000050f2020050f2020050f202000fac020000"},
+    {"WPA with an unknown AKM", true, "dd160050f20101000050f20201000050f20201000050f209"},
     {"WPA/WPA2-PSK, a vendor AKM last", true,
      "dd160050f20101000050f20401000050f20401000050f202 30180100000fac040100000fac040200000fac020050f2020000"},
 };
@@ -201,6 +202,8 @@ std::string words(const std::string &line)
                                                             : (psk ? "WPAPSK" : "WPA");
     if (wpa_akm.empty() && !rsn_akm.count(1) && !rsn_akm.count(2))
         auth = "UNKNOW";
+    if (rsn_akm.empty() && !wpa_akm.count(1) && !wpa_akm.count(2))
+        auth = "OPEN"; // the WPA element's other suites are passed over
     std::string cipher = ciphers.count(2) && ciphers.count(4) ? "TKIPAES" : ciphers.count(4) ? "AES" : "TKIP";
     return auth + "/" + cipher;
 }

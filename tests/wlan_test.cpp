@@ -225,7 +225,7 @@ TEST(WlanChannels, FromDriverStatisticsAndTool)
 {
     const struct { const char *stat; int result; vesk_wlan_ch_info info; } ralink[] = {
         {"PrimaryChannel = 1\nCentralChannel = 1\n", 1, {1, {1, 0, 0}}},
-        {"PrimaryChannel = 6\nCentralChannel = 4\n", 1, {6, {2, 0, 0}}},
+        {"PrimaryChannel = 6\nCentralChannel = 4\nVHTCentralChannel = 0\n", 1, {6, {2, 0, 0}}},
         {"PrimaryChannel = 2\nCentralChannel = 4\n", 1, {2, {6, 0, 0}}},
         {"PrimaryChannel = 36\nCentralChannel = 38\nVHTCentralChannel = 42\n", 1, {36, {40, 44, 48}}},
         {"PrimaryChannel = 44\nVHTCentralChannel = 42\n", 1, {44, {36, 40, 48}}},
