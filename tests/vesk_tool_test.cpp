@@ -202,7 +202,6 @@ TEST(VeskTool, TimeAndCalendar)
         {"", "time set-zone 76", 2, "not a number from 0 to 75"},
         {"", "time set-date 2024-02-29 12:30 utc", 0, ""},
         {"", "time set-date 2023-02-29 12:30", 2, "2023-02-29 is not a date"},
-        {"", "time set-date 2024-01-01 12:30 ugly", 2, "ugly is not one of local utc"},
         {"", "time leap 2000", 0, "1\n"},
         {"", "time advance 2024/2/29 1/0/0", 0, "2025/3/1\n"},
         {"", "time advance 2023/2/29 0/0/1", 2, "not a date that exists"},

@@ -130,7 +130,6 @@ TEST(QcaSurvey, PollsWithinItsBudgetAndGrowsTheBufferOnDemand)
         }
         EXPECT_EQ(asked, r.asked);
         EXPECT_EQ(fake_sleep::slept_us, r.slept_us);
-        EXPECT_TRUE(r.result >= 0 || recs[0].channel == 0);
     }
 }
 
