@@ -62,6 +62,8 @@ TEST(Socket, RequestsRepliesAndCloses)
     send(peer, "abcdef", 6, 0);
     EXPECT_EQ(vesk_socket_recv(&pkt, 3), 2); // len - 1 bytes, terminated
     EXPECT_STREQ(pkt.in_buf, "ab");
+    EXPECT_EQ(vesk_socket_recv(&pkt, 1), 0); // room for the terminator only: nothing is read
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_recv(&pkt, 0), -1); }), "vesk_socket_recv: no room for a reply (len 0)\n");
     EXPECT_EQ(vesk_socket_recv(&pkt, 100), 4);
     // The peer goes with a reset; a read and a send after that fail without killing the caller.
     const linger reset_on_close{1, 0};
