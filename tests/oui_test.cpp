@@ -39,7 +39,6 @@ TEST(Oui, SortedTableBehindTheSentinelFindsEveryKeyAndNothingBetween)
         ASSERT_LE(e.oui, next) << "record " << i;
         ASSERT_TRUE(next <= e.oui + 1 || (!by_oui(e.oui + 1) && !by_oui(next - 1))) << std::hex << e.oui;
     }
-    EXPECT_EQ(by_oui(0), by_oui(vesk_oui_list[1].oui)); // the lowest key
     for (uint32_t key : {0xFFFFFFu, 0x1000000u, 0xFFFFFFFFu}) // the sentinel is never found, nor a wider key
         EXPECT_EQ(by_oui(key), nullptr) << std::hex << key;
 }
