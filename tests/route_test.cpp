@@ -50,9 +50,10 @@ TEST(Gateway, TableFilesAndBuffers)
         EXPECT_STREQ(vesk_if_get_default_gateway(), c.default_gateway);
     }
     // Two buffers: one for an interface's gateway, one for the default; a
-    // null name leaves the last answer alone.
-    vdev::put("/proc/net/route", std::string(kHeader) + "eth0 00000000 0101A8C0 0003 0 0 0 00000000\n" +
-                                     "eth1 0000A8C0 0201A8C0 0001 0 0 0 0000FFFF\n");
+    // null name leaves the last answer alone. A route with a gateway ahead of
+    // the default is no default.
+    vdev::put("/proc/net/route", std::string(kHeader) + "eth1 0000A8C0 0201A8C0 0001 0 0 0 0000FFFF\n" +
+                                     "eth0 00000000 0101A8C0 0003 0 0 0 00000000\n");
     char *first = vesk_if_get_gateway("eth0"), *def = vesk_if_get_default_gateway();
     EXPECT_EQ(vesk_if_get_gateway("eth1"), first);
     EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_if_get_gateway(nullptr), nullptr); }),
