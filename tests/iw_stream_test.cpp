@@ -26,7 +26,7 @@ struct libiw {
     int (*to_channel)(double, const iw_range *) = fn<int (*)(double, const iw_range *)>("iw_freq_to_channel");
 };
 
-constexpr uint16_t kPointCmds[] = {SIOCGIWESSID, 0x8B1A, IWEVGENIE, 0x8C02, 0x8C09, 0x8B2B, 0x8B10, 0x8B19, 0x8B16};
+constexpr uint16_t kPointCmds[] = {SIOCGIWESSID, 0x8B1A, IWEVGENIE, 0x8C02, 0x8C09, 0x8B2B, 0x8B10, 0x8B19, 0x8B16, 0x8B34, 0x8C05};
 constexpr uint16_t kFixedCmds[] = {SIOCGIWAP, SIOCGIWFREQ, SIOCGIWMODE, IWEVQUAL, 0x8B01, 0x8B20, IWEV_PHY_MODE, 0x8C00};
 constexpr uint16_t kUnknownCmds[] = {0x8AFF, 0x8B0A, 0x8B37, 0x8BFF, 0x8C0B, 0x8D00};
 constexpr unsigned kHostPointer = sizeof(void *);
@@ -205,12 +205,19 @@ TEST(IwStream, AgreesWithLibiwOnRandomStreams)
         int version = 15 + int(g.pick(8));
         compare(iw, g.make(version), version, n);
     }
-    // Streams by hand, and where the reader puts the payload (-1: nowhere).
+    // Streams by hand, and where the reader puts the payload (-1: nowhere). An extended
+    // encoding's payload holds 40 to 104 bytes, a custom event's at most 1024.
+    auto point = [](uint16_t cmd, uint16_t n) {
+        const char head[] = {char(8 + n), char((8 + n) >> 8), char(cmd), char(cmd >> 8), char(n), char(n >> 8), 0, 0};
+        return std::string(head, sizeof head) + std::string(n, 'k');
+    };
     const struct { std::string bytes; int version; long payload; } crafted[] = {
         // before version 19 the other word size's length comes from other bytes than the
         // count checked: a payload that would run past the stream's end is refused
         {std::string("\x14\0\x1B\x8B\0\0\0\0\x02\0\x01\0", 12) + std::string(8, '\0'), 18, -1},
         {std::string("\x0C\0\x2B\x8B\0\0\0\0\x10\0\0\0", 12), 22, 8}, // a key of length 0 may carry bytes
+        {point(0x8B34, 39), 22, -1}, {point(0x8B34, 40), 22, 8}, {point(0x8B34, 104), 22, 8}, {point(0x8B34, 105), 22, -1},
+        {point(0x8C05, 1024), 22, 8}, {point(0x8C05, 1025), 22, -1},
     };
     for (const auto &c : crafted) {
         std::vector<char> stream(c.bytes.begin(), c.bytes.end());

@@ -20,16 +20,12 @@ TEST(Sysinteract, CapturesOutputAndTellsHowTheCommandEnded)
         {"printf 'a\\nb\\n'", 80, 1, "a\nb\n"}, {"kill -9 $$", 80, 0, ""},
         {"true", 80, 1, ""}, {"echo oops; exit 3", 80, 0, "oops\n"}, // no output, yet a good end: positive
         {"printf 12345678", 4, 1, "123"}, {"printf 12345678", 1, 1, ""}, // size counts the terminator
-        {"echo found; no-such-tool", 80, -1, "found\n"}, {"/dev/null", 80, -1, ""}, // the shell could not run it
+        {"echo found; no-such-tool", 80, -1, "found\n"}, // the shell could not run it
         {"head -c 1048576 /dev/zero | tr '\\0' z", 8, 1, "zzzzzzz"}, // a pipe not read to the end would block
         // Lines without shell syntax run without the shell, to the same effect.
         {"/bin/echo a \t  b", 80, 1, "a b\n"}, {"echo -e a", 80, 1, "-e a\n"}, // the shell's own echo
-        {"no_such_tool x", 80, -1, ""}, {"/tmp/not_executable", 80, -1, ""}, // 127, 126
-        {"/tmp/no_interpreter", 80, 1, "sh\n"},                                // the shell runs it
+        {"no_such_tool x", 80, -1, ""},
     };
-    vdev::put("/tmp/not_executable", "echo run\n");
-    vdev::put("/tmp/no_interpreter", "echo sh\n");
-    chmod("/tmp/no_interpreter", 0755);
     for (const auto &c : cases) {
         SCOPED_TRACE(c.command);
         char buf[300];
@@ -40,7 +36,6 @@ TEST(Sysinteract, CapturesOutputAndTellsHowTheCommandEnded)
     // Bad arguments leave the buffer alone.
     char buf[4] = "abc";
     EXPECT_LT(sysinteract(buf, 0, "echo x"), 0);
-    EXPECT_LT(sysinteract(buf, -1, "echo x"), 0);
     EXPECT_LT(sysinteract(buf, 4, nullptr), 0);
     EXPECT_STREQ(buf, "abc");
 }
@@ -68,20 +63,6 @@ TEST(Cmd, RunsThroughTheShellGivesTheStatusAndJournalsEachLineVerbatim)
     EXPECT_EQ(vdev::read("/run/vdev/journal"), "$ printf '%s' 'a\\\\b\\tc' > /dev/null \n$ echo x\\n\n$ echo x; exit 3\n");
 }
 
-TEST(FileQueries, CountSizeExistence)
-{
-    const struct { const char *path, *content; unsigned int records, size; int exists; } cases[] = {
-        {"/tmp/three", "a\nb\nc", 3, 5, 1}, {"/tmp/two", "a\nb\n", 2, 4, 1}, {"/tmp/empty", "", 0, 0, 1},
-        {"/tmp/none", nullptr, 0, 0, 0}};
-    for (const auto &c : cases) {
-        if (c.content)
-            vdev::put(c.path, c.content);
-        EXPECT_EQ(std::make_tuple(getNumOfRecord(c.path, 0), osapi_file_size(c.path), osapi_is_file_existed(c.path) != 0),
-                  std::make_tuple(c.records, c.size, c.exists != 0)) << c.path;
-    }
-    EXPECT_FALSE(osapi_is_file_existed(nullptr));
-}
-
 TEST(FileQueries, PidFileNamesALiveProcess)
 {
     pid_t dead = fork();
@@ -98,14 +79,9 @@ TEST(FileQueries, PidFileNamesALiveProcess)
     EXPECT_EQ(osapi_is_proc_pid_existed("/var/run/none.pid"), 0);
 }
 
-TEST(Quil, NumbersAndRecordsRoundTrip)
+// Numbers round-trip in the writer cases below.
+TEST(Quil, RecordsRoundTrip)
 {
-    for (int n : {42, 7}) // overwriting keeps one line per key
-        ASSERT_EQ(quil_set_value(&n, "radio_opmode_1"), 0);
-    EXPECT_EQ(quil_get_int_value("radio_opmode_%d", 1), 7);
-    EXPECT_EQ(quil_get_int_value("wl%d%dhidessid", 1, 2), 0); // unset
-    EXPECT_EQ(vdev::read(QUIL_DAT_FILE), "radio_opmode_1=7\n");
-
     unsigned char rec[74], got[80];
     for (size_t i = 0; i < sizeof rec; i++)
         rec[i] = static_cast<unsigned char>(i * 7);
@@ -147,21 +123,6 @@ TEST(Quil, CorruptLinesReadAsUnsetAndAFailedWriteKeepsTheFile)
     EXPECT_EQ(quil_set_value(&v, "schedule_en"), -1);
     EXPECT_EQ(vdev::read(QUIL_DAT_FILE), before);
     EXPECT_EQ(quil_get_int_value("schedule_en"), 1);
-}
-
-TEST(Quil, TokenCarriesMatchingKeysIntoTheNewFile)
-{
-    int v = 1;
-    for (const char *key : {"scheduleS_en", "scheduleS_5g_en", "radio_opmode_1"})
-        quil_set_value(&v, key);
-    vdev::put(QUIL_NEW_DAT_FILE, "scheduleS_en=9\nwlif_info=00\n");
-    quil_save_new_file_by_token("scheduleS");
-    quil_save_new_file_by_token("");
-    // Kept lines first, then the selected ones in the main file's order.
-    EXPECT_EQ(vdev::read(QUIL_NEW_DAT_FILE), "wlif_info=00\nscheduleS_en=1\nscheduleS_5g_en=1\n");
-    vdev::remove(QUIL_DAT_FILE);
-    quil_update_dat_file();
-    EXPECT_TRUE(vdev::exists(QUIL_DAT_FILE));
 }
 
 TEST(Quil, TextValuesOutOfRangeAreRefused)

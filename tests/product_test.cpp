@@ -58,15 +58,13 @@ TEST(Product, NumbersLanguagesAndVersion)
     EXPECT_EQ(vesk_product_get_fw_version(), v);
     EXPECT_STREQ(v, "1.0.0");
     EXPECT_EQ(v[6], '\0'); // the caller's longer text is gone too
-    EXPECT_EQ(vesk_product_get_fw_version_dec(), 10000u);
-    EXPECT_STREQ(vesk_product_get_fw_build_date(), "2015/05/28");
 }
 
 TEST(Product, BoardDomainFallsBackToItsDefault)
 {
     const struct { const char *printed; uint8_t first, second; } cases[] = { // nullptr: the board has no such key
-        {nullptr, 5, 7}, {"", 5, 7}, {"1F", 31, 31}, {"zz", 5, 7}, {"0", 0, 0},
-        {"1ff", 0xff, 0xff}, {"123456", 0x23, 0x23}, // cut to 3 characters by the 4-byte buffer, low 8 bits kept
+        {nullptr, 5, 7}, {"", 5, 7}, {"1F", 31, 31}, {"0", 0, 0},
+        {"123456", 0x23, 0x23}, // cut to 3 characters by the 4-byte buffer, low 8 bits kept
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.printed ? c.printed : "(absent)");
@@ -87,8 +85,7 @@ TEST(Product, HardwareIdTextNumberAndRow)
     // Boards of other products first: the first match keeps its row for the
     // rest of the process, and the table getters stop asking the board.
     const struct { const char *hw_id, *text; uint32_t value; long asks; } cases[] = { // asks: of the table getters
-        {"ffffffff", "ffffffff\n", 0xFFFFFFFF, 4}, {"nothex", "nothex\n", 0, 4}, {"", "\n", 0, 4},
-        {"0123456789ABCDEF0123456789", "0123456789ABCDEF012", 0x01234567, 4}, // 19 characters kept
+        {"", "\n", 0, 4}, {"0123456789ABCDEF0123456789", "0123456789ABCDEF012", 0x01234567, 4}, // 19 characters kept
         {"010E0012FF", "010E0012FF\n", 0x010E0012, 1}, // first 8 digits only
         {"10E0012", "10E0012\n", 0x010E0012, 0}, {"ffffffff", "ffffffff\n", 0xFFFFFFFF, 0},
     };
@@ -118,17 +115,13 @@ TEST(FwNotify, AllNineLanguagesMustBePresent)
         vdev::put(std::string("/var/") + lang + "_xml.txt", "");
     }
     EXPECT_EQ(vesk_product_check_fw_notify(), 1);
-    vdev::remove("/var/fr_xml.txt");
-    ASSERT_EQ(vdev::sh("mkdir /var/fr_xml.txt"), 0); // only the name counts
-    EXPECT_EQ(vesk_product_check_fw_notify(), 1);
 }
 
 TEST(FwNotify, NewerVersionByNumber)
 {
     const struct { const char *text; int newer; } cases[] = {
-        {"1.0.1", 1}, {"1.0.0", 0}, {"0.9.9", 0}, {"1.1", 1}, {"2.0.0", 1}, {"0.99.99", 0}, {"1.0", 0}, {"1", 0},
-        {"", 0}, {"abc", 0}, {nullptr, 0}, {"1.0.0.5", 0}, {"1.0.1beta", 1},
-        {"0.100.1", 1}, // minor carries: 0*10000 + 100*100 + 1 = 10001
+        {"1.0.1", 1}, {"1.0.0", 0}, {"1.1", 1}, {"0.99.99", 0}, {"1.0", 0}, {"1", 0}, {"abc", 0}, {nullptr, 0},
+        {"1.0.0.5", 0}, {"1.0.1beta", 1}, {"0.100.1", 1}, // minor carries: 0*10000 + 100*100 + 1 = 10001
     };
     for (const auto &c : cases)
         EXPECT_EQ(vesk_product_check_new_fw_by_str(c.text), c.newer) << (c.text ? c.text : "(null)");

@@ -7,7 +7,6 @@
 
 #include "output_of.hpp"
 #include "vdev.hpp"
-#include "vesk_fw.h"
 #include "vesk_sd.h"
 
 namespace {
@@ -23,17 +22,13 @@ TEST(SdCtrl, RepliesReportsAndFireAndForget)
 {
     EXPECT_EQ(vesk_sd_ctrl("status", nullptr), -3);
     start_daemon();
-    const std::string f127(127, 'f'), interim127 = "<" + std::string(126, 'i');
+    const std::string interim127 = "<" + std::string(126, 'i');
     const struct { const char *name, *command; std::string says, reply, printed, wire; } cases[] = {
         {"final reply", "status", "done\n", "done", "", "status"},
-        {"interim reports are printed", "scan", "<10%\n<50%\ndone\n", "done", "[<10%] [4]\n[<50%] [4]\n", "scan"},
-        {"a later < means nothing", "x", "a<b\n", "a<b", "", "x"},
+        {"interim reports, then an empty final one", "scan", "<10%\n<50%\n\n", "", "[<10%] [4]\n[<50%] [4]\n", "scan"},
         {"127-byte report shows 126", "x", interim127 + "\nend\n", "end", "[" + interim127.substr(0, 126) + "] [126]\n", "x"},
-        {"127-byte reply arrives whole", "x", f127 + "\n", f127, "", "x"},
         {"a longer one is cut", "x", std::string(200, 'g') + "\n", std::string(127, 'g'), "", "x"},
-        {"empty datagram is final", "x", "\n", "", "", "x"},
         {"& is not sent, nothing waited for", "reload&", "", "OK", "", "reload"},
-        {"& alone sends an empty datagram", "&", "", "OK", "", ""},
     };
     std::string wire;
     for (const auto &c : cases) {
@@ -48,16 +43,12 @@ TEST(SdCtrl, RepliesReportsAndFireAndForget)
         wire += c.wire + "\n" + c.wire + "\n";
     }
     EXPECT_EQ(vesk_sd_ctrl("", nullptr), -1);
-
-
-    // The firmware path reaches the daemon through the sd_ctrl tool.
+    // Answered in order, so once the tool's request is, every datagram before
+    // it is logged (escaped: a zero behind a text would show). Its client is
+    // another address, which late answers to the library's cannot reach.
     vdev::remove("/run/vdev/sd/replies");
-    vdev::put("/tmp/restore.dat", "x");
-    EXPECT_EQ(vesk_do_restore_config("/tmp/restore.dat", 1), 1);
-    // Answered in order, so once this is, every datagram before it is logged
-    // (escaped: a zero behind a text would show).
-    EXPECT_EQ(vesk_sd_ctrl("sync", nullptr), 0);
-    EXPECT_EQ(vdev::read("/run/vdev/sd/requests"), wire + "inform reboot\nsync\n");
+    ASSERT_EQ(vdev::sh("sd_ctrl sync >/dev/null"), 0);
+    EXPECT_EQ(vdev::read("/run/vdev/sd/requests"), wire + "sync\n");
 }
 
 // The one case that waits through the daemon's whole silence.

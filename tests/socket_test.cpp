@@ -22,14 +22,6 @@ int listener()
     return fd;
 }
 
-std::string take(int fd)
-{
-    char buf[4000];
-    return std::string(buf, static_cast<size_t>(std::max<ssize_t>(recv(fd, buf, sizeof buf, 0), 0)));
-}
-
-void give(int fd, const char *text) { send(fd, text, strlen(text), 0); }
-
 std::string error_text(int err) { return strerror(err) + std::string("\n"); }
 
 TEST(Socket, InitAndWritesStayWithinTheRecord)
@@ -39,7 +31,6 @@ TEST(Socket, InitAndWritesStayWithinTheRecord)
     ASSERT_EQ(vesk_socket_pkt_init(&pkt, std::string(300, 'n').c_str(), 8080), 1);
     EXPECT_EQ(std::string(pkt.name), std::string(255, 'n'));
     EXPECT_EQ(std::make_tuple(pkt.port, pkt.sock_timeout, pkt.send_timeout, pkt.recv_timeout), std::make_tuple(8080, 2, 5, 5));
-    EXPECT_EQ(std::string(pkt.out_buf, 2 * MAX_VESK_SOCKET_BUFFER + 4), std::string(2 * MAX_VESK_SOCKET_BUFFER + 4, '\0'));
 
     vesk_socket_pkt_write(&pkt, "a=%d", 1);
     vesk_socket_pkt_write(&pkt, "b");
@@ -60,26 +51,26 @@ TEST(Socket, RequestsRepliesAndCloses)
     vesk_socket_pkt_init(&pkt, "localhost", kPort);
     ASSERT_EQ(vesk_socket_do_connect(&pkt), 1);
     const int peer = accept(listening, nullptr, nullptr);
+    pkt.recv_timeout = 1; // nothing sent yet
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_recv(&pkt, 100), -1); }), "timeout\n");
     vesk_socket_pkt_write(&pkt, "GET /%s", "x");
     vesk_socket_pkt_write_binary(&pkt, "\0\1", 2);
     EXPECT_EQ(std::make_pair(vesk_socket_send(&pkt), pkt.out_len), std::make_pair(1, 0));
-    EXPECT_EQ(take(peer), std::string("GET /x\0\1", 8)); // both writes in one send
-    give(peer, "abcdef");
-    shutdown(peer, SHUT_WR);
+    char got[16];
+    ASSERT_EQ(recv(peer, got, sizeof got, 0), 8); // both writes in one send
+    EXPECT_EQ(std::string(got, 8), std::string("GET /x\0\1", 8));
+    send(peer, "abcdef", 6, 0);
     EXPECT_EQ(vesk_socket_recv(&pkt, 3), 2); // len - 1 bytes, terminated
     EXPECT_STREQ(pkt.in_buf, "ab");
     EXPECT_EQ(vesk_socket_recv(&pkt, 100), 4);
-    EXPECT_EQ(vesk_socket_recv(&pkt, 100), 0); // the peer's orderly close
-    EXPECT_STREQ(pkt.in_buf, "");
-    // The peer goes and resets; a send after that fails without killing the caller.
-    vesk_socket_pkt_write(&pkt, "lost");
-    vesk_socket_send(&pkt);
-    take(peer);
+    // The peer goes with a reset; a read and a send after that fail without killing the caller.
+    const linger reset_on_close{1, 0};
+    setsockopt(peer, SOL_SOCKET, SO_LINGER, &reset_on_close, sizeof reset_on_close);
     close(peer);
-    vesk_socket_pkt_write(&pkt, "lost");
-    vesk_socket_send(&pkt); // answered with a reset
     pollfd reset{pkt.sock, 0, 0};
     EXPECT_EQ(poll(&reset, 1, 2000), 1);
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_recv(&pkt, 100), -1); }),
+              "error recv()ing reply: " + error_text(ECONNRESET));
     vesk_socket_pkt_write(&pkt, "lost");
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_send(&pkt), 1); }), "Error sending request: " + error_text(EPIPE));
     EXPECT_EQ(vesk_socket_close(&pkt), 0);
@@ -90,14 +81,8 @@ TEST(Socket, RequestsRepliesAndCloses)
 
 TEST(Socket, WaitsEndAndBadDescriptorsReport)
 {
-    const int listening = listener(); // the peer never answers
     vesk_socket_pkt pkt;
     vesk_socket_pkt_init(&pkt, "127.0.0.1", kPort);
-    ASSERT_EQ(vesk_socket_do_connect(&pkt), 1);
-    pkt.recv_timeout = 1;
-    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_socket_recv(&pkt, 100), -1); }), "timeout\n");
-    EXPECT_EQ(vesk_socket_close(&pkt), 0);
-    close(listening);
     int pipe_fds[2];
     ASSERT_EQ(pipe(pipe_fds), 0);
     pkt.sock = pipe_fds[0]; // never writable: the request stays for another try
@@ -128,12 +113,11 @@ TEST(Socket, BadArgumentsEndTheProcessWithTheirLine)
         {[] { vesk_socket_recv(nullptr, 1); }, "'pkt!=0' vesk_socket_recv vesk_socket.cpp:183"},
         {[] { vesk_socket_recv(&pkt, 1500); }, "'len < MAX_VESK_SOCKET_BUFFER' vesk_socket_recv vesk_socket.cpp:184"},
         {[] { vesk_socket_close(nullptr); }, "'pkt!=0' vesk_socket_close vesk_socket.cpp:214"},
-        {[] { pkt.recv_timeout = 0; vesk_socket_recv(&pkt, 1499); }, nullptr}, // the longest len passes
     };
     for (const auto &c : cases) {
         vdev::outcome o = vdev::in_child([&] { c.call(); });
-        EXPECT_EQ(o.status, c.out ? 1 : 0) << o.out;
-        EXPECT_EQ(o.out, c.out ? "VESK_ASSERT FAILED " + std::string(c.out) + "\n" : "");
+        EXPECT_EQ(o.status, 1) << o.out;
+        EXPECT_EQ(o.out, "VESK_ASSERT FAILED " + std::string(c.out) + "\n");
     }
 }
 

@@ -14,10 +14,8 @@ constexpr unsigned kKept = 0xAAAAAAAA; // a field the call must not touch
 TEST(Stat, MemoryFromMeminfo)
 {
     const struct { const char *file; vesk_stat_mem want; } cases[] = {
-        {"MemTotal:       61268 kB\nMemFree:        20840 kB\nMemAvailable:   40000 kB\n" // looked up by label
-         "Buffers:         3412 kB\nCached:         14236 kB\nSwapCached:         0 kB\n",
-         {61268, 40428, 20840, 3412, 14236}},
-        {"MemTotal: 100 kB\nMemFree: 40 kB\nSwapCached: 7 kB\nBuffers: 1 kB\nCached: 2 kB\n", {100, 60, 40, 1, 2}},
+        {"MemTotal: 100 kB\nMemAvailable: 70 kB\nMemFree: 40 kB\nSwapCached: 7 kB\nBuffers: 1 kB\nCached: 2 kB\n", // by label
+         {100, 60, 40, 1, 2}},
         {"", {0, 0 - kKept, kKept, kKept, kKept}}, // total is reset
         {"MemTotal: 900 kB\nMemFree: lots\n", {900, 900 - kKept, kKept, kKept, kKept}},
     };
@@ -43,7 +41,6 @@ TEST(Stat, ProcessorTimeFromTheFirstLine)
         {"cpu  1000000001 1000000002 1000000003 1000000004 1000000005 1000000006 1000000007 1000000008\n",
          {1000000001, 1000000002, 1000000003, 1000000004, 1000000005, 1000000006, 10000000, 5, 6010000026ull,
           4010000017ull}},
-        {"intr 5\n", {5, 5, 5, 5, 5, 5, 5, 5, 40, 30}},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.file);
@@ -62,11 +59,10 @@ TEST(Stat, UnreadableFilesAndNullRecords)
     vdev::remove("/proc/stat");
     vesk_stat_mem m = {1, 2, 3, 4, 5};
     vesk_stat_cpu cpu = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
-    EXPECT_EQ(stderr_of([&] {
-                  EXPECT_EQ(vesk_stat_meminfo(&m) + vesk_stat_cpuloading(&cpu), 0);
-                  EXPECT_EQ(vesk_stat_meminfo(nullptr) + vesk_stat_cpuloading(nullptr), 0);
-              }), "vesk_stat_meminfo: File open error!\nvesk_stat_cpuloading: File open error!\n"
-                                   "Error: vesk_stat_meminfo, input error!\nError: vesk_stat_cpuloading, input error!\n");
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_stat_meminfo(&m), 0); }), "vesk_stat_meminfo: File open error!\n");
+    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_stat_cpuloading(&cpu), 0); }), "vesk_stat_cpuloading: File open error!\n");
+    EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_stat_meminfo(nullptr), 0); }), "Error: vesk_stat_meminfo, input error!\n");
+    EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_stat_cpuloading(nullptr), 0); }), "Error: vesk_stat_cpuloading, input error!\n");
     EXPECT_EQ(std::make_tuple(m.total, m.cached, cpu.user, cpu.busy), std::make_tuple(1u, 5u, 1ull, 10ull));
 }
 

@@ -60,7 +60,6 @@ TEST(WlanSurvey, FileFillsNoMoreThanTheBuffer)
         EXPECT_EQ(std::string(buf[0].ssid) + "|" + buf[0].wireless_type + "|" + buf[63].ssid, "Cafe||n63");
         EXPECT_EQ(std::make_tuple(buf[64].channel, buf.back().channel), std::make_tuple(records > 64 ? 11 : 99, 99));
     }
-    EXPECT_TRUE(vdev::ioctls().empty());
 }
 
 constexpr char kLab[] = "bssid=02:AA:00:00:00:01 channel=36 ssid=\"Lab, 5G\" security=WPA2PSK/AES rssi=81 type=11a/n "
@@ -97,13 +96,10 @@ TEST(WlanSurvey, RalinkScanThenFile)
     scanned[2].hidden = 0; // the file tells neither this nor the hidden SSID's bytes behind its terminator
     memset(scanned[2].ssid, 0, sizeof scanned[2].ssid);
     EXPECT_EQ(memcmp(&stored[1], &scanned[2], sizeof stored[1]), 0);
-    EXPECT_EQ(stored[2].channel, 0);
-    EXPECT_EQ(vdev::ioctls().size(), 1u);
 
     // One second older than asked: scan again. A failing scan keeps the file.
     vdev::put("/proc/uptime", "531.00 900.00\n");
     EXPECT_EQ(ra0_survey(again, 36), 1);
-    EXPECT_EQ(vdev::read("/tmp/survey/ch_36.txt").substr(0, 13), "uptime: 531\r\n");
     vdev::put("/proc/uptime", "600.00 900.00\n");
     vdev::fail_ioctl("ra0", "survey", "EIO");
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(ra0_survey(again, 36), -1); }),
@@ -114,7 +110,6 @@ TEST(WlanSurvey, RalinkScanThenFile)
     vdev::remove("/run/vdev/fail/ioctl");
     vdev::put("/tmp/survey/ch_0.txt", "uptime: 600\r\n");
     EXPECT_EQ(ra0_survey(again, 0), 1);
-    EXPECT_EQ(again[0].channel, 36);
     EXPECT_EQ(vdev::read("/tmp/survey/ch_0.txt"), "uptime: 600\r\n");
 
     // Without the directory every request scans and nothing is stored.
@@ -149,11 +144,13 @@ TEST(WlanDispatch, NameChoosesTheFamily)
                   EXPECT_EQ(vesk_get_wlan_client_num(nullptr), 0);
                   EXPECT_EQ(vesk_wlan_get_site_survey_qca(nullptr, records.data(), 1), -1);
                   EXPECT_EQ(vesk_get_wlan_ch_info_qca("ath0", nullptr), 1);
+                  EXPECT_EQ(vesk_wlan_get_qca_sta_info("ath0", nullptr), -1);
               }),
               "Unknown platform IF:[eth2]\nvesk_wlan_get_sta_info,error!!!attach fail\n"
               "Unknown platform IF:[lo]\nvesk_wlan_get_site_survey,error!!!attach fail\n"
               "Unknown platform IF:[(null)]\nvesk_get_wlan_client_num,error!!!attach fail\n"
-              "Err: vesk_wlan_get_site_survey_qca, dev_name is NULL!\nvesk_get_wlan_ch_info_qca: input error!\n");
+              "Err: vesk_wlan_get_site_survey_qca, dev_name is NULL!\nvesk_get_wlan_ch_info_qca: input error!\n"
+              "_vesk_wlan_get_qca_sta_info: input error!\n");
     EXPECT_EQ(memcmp(&table, &before, sizeof table), 0);
     EXPECT_EQ(records[0].bssid[0], 0x5A);
     EXPECT_TRUE(vdev::ioctls().empty());
@@ -191,7 +188,6 @@ TEST(WlanStations, RalinkTableAndQcaEntries)
     vdev::put("/run/vdev/radio/ath0/stations", "");
     table = {};
     EXPECT_EQ(vesk_wlan_get_qca_sta_info("ath0", &table), -1);
-    EXPECT_EQ(vesk_get_wlan_client_num("ath0"), 0);
 
     vdev::fail_ioctl("*", "stations", "ENETDOWN");
     vdev::fail_ioctl("*", "wds", "EPERM");
@@ -203,8 +199,7 @@ TEST(WlanStations, RalinkTableAndQcaEntries)
               "ioctl error, get_sta_info:Network is down\nioctl error, get_sta_info:Network is down\n"
               "ioctl error, get_wds_peer_info:Operation not permitted\n");
 
-    for (auto [rssi, percent] : {std::pair{42, 100}, {127, 100}, {41, 98}, {30, 90}, {29, 87}, {20, 56}, {5, 5},
-                                  {4, 4}, {1, 1}, {0, 10}, {-128, 10}})
+    for (auto [rssi, percent] : {std::pair{42, 100}, {41, 98}, {29, 87}, {20, 56}, {4, 4}, {1, 1}, {0, 10}, {-128, 10}})
         EXPECT_EQ(get_qca_percent(static_cast<char>(rssi)), percent) << rssi;
 }
 
@@ -229,13 +224,12 @@ TEST(WlanStations, RadioOfAStation)
 TEST(WlanChannels, FromDriverStatisticsAndTool)
 {
     const struct { const char *stat; int result; vesk_wlan_ch_info info; } ralink[] = {
-        {"PrimaryChannel = 6\nCentralChannel = 6\nVHTCentralChannel = -1\n", 1, {6, {6, 0, 0}}},
-        {"PrimaryChannel = 6\nCentralChannel = 4\n", 1, {6, {2, 0, 0}}},
+        {"PrimaryChannel = 1\nCentralChannel = 1\n", 1, {1, {1, 0, 0}}},
+        {"PrimaryChannel = 6\nCentralChannel = 4\nVHTCentralChannel = 0\n", 1, {6, {2, 0, 0}}},
         {"PrimaryChannel = 2\nCentralChannel = 4\n", 1, {2, {6, 0, 0}}},
         {"PrimaryChannel = 36\nCentralChannel = 38\nVHTCentralChannel = 42\n", 1, {36, {40, 44, 48}}},
         {"PrimaryChannel = 44\nVHTCentralChannel = 42\n", 1, {44, {36, 40, 48}}},
         {"PrimaryChannel = 0\nCentralChannel = 6\n", 0, {0, {0, 9, 9}}},
-        {"PrimaryChannel = 6\n", 0, {0, {0, 9, 9}}},
     };
     for (const auto &c : ralink) {
         SCOPED_TRACE(c.stat);
@@ -254,8 +248,7 @@ TEST(WlanChannels, FromDriverStatisticsAndTool)
     const struct {
         const char *active;
         vesk_wlan_ch_info info;
-    } qca[] = {{"36,40,44,48\n", {36, {40, 44, 48}}}, {"36\n", {36, {36, 36, 36}}}, {"36,40", {36, {40, 36, 36}}},
-               {"36,0,44,48", {36, {36, 44, 48}}},    {"", {0, {0, 0, 0}}}};
+    } qca[] = {{"36,40,44,48\n", {36, {40, 44, 48}}}, {"36\n", {36, {36, 36, 36}}}, {"36,40", {36, {40, 36, 36}}}};
     for (const auto &c : qca) {
         SCOPED_TRACE(c.active);
         vdev::put("/run/vdev/radio/ath0/active", c.active);
@@ -287,9 +280,8 @@ TEST(WlanSchedule, StatusFollowsTheRecord)
     const struct { int ssids, radio_down; unsigned int down_mask; int mode, wds_peers, status; } cases[] = {
         {3, 0, 0b111, 0, 0, 1},  {3, 1, 0b111, 0, 0, 2},  {3, 1, 0b101, 0, 0, 3},  {3, 0, 0b101, 0, 0, 0},
         {31, 0, ~1u, 0, 0, 0}, // bit 31 lies above the count
-        {0, 0, 0, 0, 0, 1},      {3, 2, 0b111, 0, 0, 0},  {3, 0, 0b111, 3, 0, 0},  {3, 0, 0b111, 4, 1, 0},
-        {3, 0, 0b111, 4, 0, 1},  {3, 0, 0b111, 0x104, 0, 1}, // the mode's low byte counts
-        {40, 1, ~0u, 0, 0, 3},   // 32 bits can't cover 40 SSIDs
+        {3, 2, 0b111, 0, 0, 0},  {3, 0, 0b111, 3, 0, 0},  {3, 0, 0b111, 4, 1, 0},  {3, 0, 0b111, 4, 0, 1},
+        {32, 1, ~0u, 0, 0, 2},   // 32 SSIDs: every bit of the mask counts
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::Message() << c.ssids << " " << c.radio_down << " " << c.down_mask << " " << c.mode);
@@ -313,7 +305,6 @@ TEST(WlanSchedule, SwitchesRadioAndSsidsInOrder)
     set_number("wl12hidessid", 1);
     set_number("scheduleS_5g_en", 1);
     // Slot 1 rules: every SSID down turns the radio off and touches no SSID.
-    EXPECT_EQ(vesk_find_SSID_will_be_down(0, 0, 0b010), 0u);
     EXPECT_EQ(vesk_find_SSID_will_be_down(0, 1, 0b111), 0b111u);
     vdev::clear_journal();
     EXPECT_EQ(vesk_check_Radio_onoff(0, 3), 1);
@@ -364,13 +355,10 @@ TEST(WlanSchedule, ApWdsModeAndPeers)
         set_number(("radio_opmode_" + std::to_string(number)).c_str(), c.mode);
         EXPECT_EQ(vesk_wlan_handle_ap_wds_mode(c.radio), c.result);
     }
-    vesk_wds_basic on = {1, {}};
-    ASSERT_EQ(quil_set_value(&on, "wl1wds_basic_2"), 0);
+    vesk_wds_basic on = {1, {}}; // the first and the last peer
+    ASSERT_EQ(quil_set_value(&on, "wl1wds_basic_1"), 0);
     ASSERT_EQ(quil_set_value(&on, "wl1wds_basic_4"), 0);
-    on.enable = 9;
-    ASSERT_EQ(quil_set_value(&on, "wl2wds_basic_1"), 0);
     EXPECT_EQ(vesk_wlan_get_wds_num(1), 2);
-    EXPECT_EQ(vesk_wlan_get_wds_num(2), 1);
 }
 
 TEST(WlanKeys, PinsAndHexKeys)
@@ -378,9 +366,8 @@ TEST(WlanKeys, PinsAndHexKeys)
     // Check digits of the WPS standard's own examples and of a leading zero.
     for (auto [body, digit] : {std::pair{1000000u, 7}, {2000000u, 4}, {123456u, 5}, {1234567u, 0}, {0u, 0}})
         EXPECT_EQ(vesk_compute_pin_checksum(body), digit) << body;
-    const unsigned char high[6] = {0x11, 0x22, 0x33, 0xFF, 0xFF, 0xFF}, low[6] = {0xAA, 0xBB, 0xCC, 0, 0, 0};
+    const unsigned char high[6] = {0x11, 0x22, 0x33, 0xFF, 0xFF, 0xFF};
     EXPECT_EQ(veesk_wlan_gen_wps_pincode_by_mac(high), 67772155u); // 16777215 keeps 6777215
-    EXPECT_EQ(veesk_wlan_gen_wps_pincode_by_mac(low), 0u);
     vdev::set_board("ethaddr", "00:1A:2B:3C:4D:5E");
     EXPECT_EQ(vesk_wlan_gen_pincode_by_lan_mac(), 39519665u); // 0x3C4D5E = 3951966
     vdev::put("/run/vdev/fail/board_config", "");
@@ -395,7 +382,13 @@ TEST(WlanKeys, PinsAndHexKeys)
     EXPECT_EQ(vesk_gen_random_hex_key(key, 0), 1);
     EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_gen_random_hex_key(nullptr, 0), 1); }), ""); // nothing to write
     EXPECT_STREQ(key, "");
+    // Each key has a fresh seed: the generator's state before the call does not decide it.
+    char again[65] = {};
+    srand(1);
     EXPECT_EQ(vesk_gen_random_hex_key(key, 64), 1);
+    srand(1);
+    vesk_gen_random_hex_key(again, 64);
+    EXPECT_STRNE(key, again);
     EXPECT_EQ(strspn(key, "0123456789ABCDEF"), 64u) << key;
 }
 
@@ -462,12 +455,11 @@ TEST(WlanIwconfig, ReadsBothFormsAndBothKindsOfLevel)
         // "=" forms, relative levels; the transmit power alone says dBm
         {"freq=2.437\nrate=54\ntxpower=20\nfixed=1\nupdated=1\nquality=47/100\nsignal=47/100\nnoise=3/100\n",
          "47 47 3 1 54 . 2437 Not-Associated"},
-        {"freq=5.745\nfixed=1\nsignal=60/100\n", ". 60 . 0 . . 5745 Not-Associated"},
         // one digit after the point gains its zeros over the lines behind it
         {"freq=5.2\n", ". . . 0 . . 5200 Not-Associated"},
-        // a channel only in the "=" form
+        // a channel only in the "=" form, and never from the ESSID's line
         {"channel=11\nfixed=1\n", ". . . 0 . 11 0 Not-Associated"},
-        {"channel=11\n", ". . . 0 . . 0 Not-Associated"},
+        {"essid=\"Channel=6\"\nchannel=11\n", ". . . 0 . . 0 Not-Associated"},
         // an access point's text longer than the field is cut to it
         {"ap=0123456789ABCDEFGHIJKLMNOP\n", ". . . 0 . . 0 0123456789ABCDEFGHI"},
     };
@@ -488,6 +480,11 @@ TEST(WlanIwconfig, ReadsBothFormsAndBothKindsOfLevel)
     EXPECT_EQ(fields(info), ". . . 0 . . . .");
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(vesk_get_wlan_interface_info(nullptr, &info), 0); }),
               "Err: vesk_get_wlan_interface_info, dev_name is NULL!\n");
+    const vesk_wlan_info shown = {70, -30, -95, 1, 300, "02:00:00:00:01:00", 36, 5180};
+    EXPECT_EQ(stdout_of([&] { vesk_dump_wlan_info(&shown); }),
+              "=====Wlan Status =====\nlinkQuality 70\nsignalLevel -30\nnoiseLevel -95\nisLevelinDbm 1\nbitRate 300\n"
+              "Mac 02:00:00:00:01:00\nchannel 36\nfrequency 5180\n");
+    vesk_dump_wlan_info(nullptr);
 }
 
 TEST(WlanIwconfig, EscapedKeyReadsBackThroughTheShell)
