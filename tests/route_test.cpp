@@ -17,7 +17,8 @@ TEST(Gateway, RealRouteTable)
     EXPECT_STREQ(vesk_if_get_default_gateway(), "---");
     ASSERT_EQ(vdev::sh("ip route add 192.0.2.128/25 via 203.0.113.254 dev eth3"
                        " && ip route add default dev wan0 metric 5" // point-to-point style: no gateway
-                       " && ip route add default via 198.51.100.1 dev wan0 metric 10"), 0);
+                       " && ip route add default via 198.51.100.1 dev wan0 metric 10" // the first of two
+                       " && ip route add default via 198.51.100.9 dev wan0 metric 20"), 0);
     EXPECT_STREQ(vesk_if_get_default_gateway(), "198.51.100.1");
     // Any route with a gateway counts; names match exactly.
     for (auto [ifname, gateway] : {std::pair{"wan0", "198.51.100.1"}, {"eth3", "203.0.113.254"}, {"br0", "---"},
@@ -30,10 +31,6 @@ TEST(Gateway, TableFilesAndBuffers)
     const std::string h = kHeader;
     const struct { const char *name; std::string table; const char *ifname, *gateway, *default_gateway; } cases[] = {
         {"empty file", "", "eth0", "---", "---"},
-        {"route of the interface ahead of its default",
-         h + "eth0\t0000A8C0\tFE01A8C0\t0003\t0\t0\t0\t0000FFFF\t0\t0\t0\n" +
-             "eth0\t00000000\t0101A8C0\t0003\t0\t0\t0\t00000000\t0\t0\t0\n",
-         "eth0", "192.168.1.254", "192.168.1.1"},
         {"line short of eight columns is skipped",
          h + "eth0 00000000 0201A8C0 0003 0 0 0\n" + "ppp0 00000000 443322C0 0003 0 0 0 0\n", "eth0", "---",
          "192.34.51.68"},
@@ -53,23 +50,21 @@ TEST(Gateway, TableFilesAndBuffers)
         EXPECT_STREQ(vesk_if_get_default_gateway(), c.default_gateway);
     }
     // Two buffers: one for an interface's gateway, one for the default; a
-    // null name leaves the last answer alone.
-    vdev::put("/proc/net/route", std::string(kHeader) + "eth0 00000000 0101A8C0 0003 0 0 0 00000000\n" +
-                                     "eth1 0000A8C0 0201A8C0 0001 0 0 0 0000FFFF\n");
+    // null name leaves the last answer alone. A route with a gateway ahead of
+    // the default is no default.
+    vdev::put("/proc/net/route", std::string(kHeader) + "eth1 0000A8C0 0201A8C0 0001 0 0 0 0000FFFF\n" +
+                                     "eth0 00000000 0101A8C0 0003 0 0 0 00000000\n");
     char *first = vesk_if_get_gateway("eth0"), *def = vesk_if_get_default_gateway();
     EXPECT_EQ(vesk_if_get_gateway("eth1"), first);
     EXPECT_EQ(stderr_of([] { EXPECT_EQ(vesk_if_get_gateway(nullptr), nullptr); }),
               "vesk_if_get_gateway: interface = NULL!\n");
     EXPECT_EQ(std::string(first) + " " + def, "192.168.1.2 192.168.1.1");
-    vdev::remove("/proc/net/route");
-    EXPECT_STREQ(vesk_if_get_gateway("eth0"), "---");
 }
 
 TEST(Dns, ResolverFile)
 {
     // The answers for the index 0, 1, 2 and 3, joined by blanks.
     const struct { const char *name; std::string file; const char *answers; } cases[] = {
-        {"two servers", "nameserver 8.8.8.8\nnameserver 8.8.4.4\n", "8.8.8.8,8.8.4.4 8.8.8.8 8.8.4.4 8.8.8.8,8.8.4.4"},
         {"placeholder keeps its place in the count", "nameserver 10.64.64.68\nnameserver 1.1.1.1\n",
          "1.1.1.1 --- 1.1.1.1 1.1.1.1"},
         {"0.0.0.0 and IPv6 are no IPv4 servers",
@@ -82,7 +77,6 @@ TEST(Dns, ResolverFile)
          "198.51.100.1,198.51.100.3 198.51.100.1 --- 198.51.100.1,198.51.100.3"},
         {"address of 80 characters is dropped", "nameserver " + std::string(80, '1') + "\nnameserver 192.0.2.1\n",
          "192.0.2.1 --- 192.0.2.1 192.0.2.1"},
-        {"empty file", "", "--- --- --- ---"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -115,8 +109,6 @@ TEST(Dns, SiblingFilesAndIpv6)
     EXPECT_STREQ(vesk_if_get_dns_full(2, "wan"), "203.0.113.53");
     EXPECT_STREQ(vesk_if_get_dns_full(0, "lan"), "---"); // no fallback to the plain file
     EXPECT_STREQ(vesk_if_get_v6_dns(0), "2001:db8::53,192.0.2.9");
-    EXPECT_STREQ(vesk_if_get_v6_dns(2), "---");
-    EXPECT_STREQ(__vesk_if_get_dns_full("/etc/resolv_ipv6.conf", 0, nullptr, 0), "192.0.2.9");
     EXPECT_STREQ(__vesk_if_get_dns_full(nullptr, 0, nullptr, 1), "---");
     // A name cut to fit its 80 bytes would open some other file.
     std::string path = "/tmp/" + std::string(74, 'r');
