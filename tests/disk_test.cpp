@@ -138,6 +138,7 @@ TEST(Disk, CopyChecksTheDiskFirst)
         EXPECT_EQ(std::find(j.begin(), j.end(), "led_ctl diag D5") != j.end(), c.reported);
         EXPECT_EQ(vdev::exists(c.dst), c.dst_exists);
     }
+    EXPECT_EQ(vdev::read("/mnt/usb2/e"), vdev::read("/tmp/exact")); // the copy is whole
     EXPECT_FALSE(vdev::exists("/tmp/INDEX_FULL"));
     EXPECT_EQ(stdout_of([] { EXPECT_EQ(vesk_disk_save_copy_file(nullptr, "/mnt/usb1/a", "/mnt/usb1", 1), 0); }),
               "vesk_disk_save_copy_file: input error!\n");

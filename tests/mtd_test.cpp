@@ -20,7 +20,7 @@ TEST(Mtd, FindsPartitionByLinePosition)
          0xe90000},
         {"position, not token", "mtd7: 00400000 00010000 \"Kernel\"\n", "Kernel", 0, 0x400000},
         {"31 characters", "mtd0: 00001000 1 \"" + std::string(31, 'n') + "\"\n", std::string(31, 'n'), 0, 0x1000},
-        {"prefix only", kernel, "Kern", -1, 0},
+        {"prefix only", kernel, "Kern", -1, 0}, {"longer query", kernel, "Kernel2", -1, 0},
         {"name past the field's width", "mtd0: 1 1 \"" + long_name + "\"\n", long_name, -1, 0},
     };
     for (const auto &c : cases) {

@@ -282,6 +282,7 @@ TEST(WlanSchedule, StatusFollowsTheRecord)
         {31, 0, ~1u, 0, 0, 0}, // bit 31 lies above the count
         {3, 2, 0b111, 0, 0, 0},  {3, 0, 0b111, 3, 0, 0},  {3, 0, 0b111, 4, 1, 0},  {3, 0, 0b111, 4, 0, 1},
         {32, 1, ~0u, 0, 0, 2},   // 32 SSIDs: every bit of the mask counts
+        {3, 0, 0b111, 0x104, 0, 1}, // the mode's low byte counts
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::Message() << c.ssids << " " << c.radio_down << " " << c.down_mask << " " << c.mode);
