@@ -40,9 +40,9 @@ TEST(ArpTable, KernelNeighbours)
     EXPECT_STREQ(vesk_arp_get_macstr_by_ip("192.0.2.20;touch /tmp/owned", 1), "000000000000");
     EXPECT_EQ(vdev::commands(), std::vector<std::string>{"ping 192.0.2.20 -c 1 2>&1 >/dev/null"});
     EXPECT_FALSE(vdev::exists("/tmp/owned"));
-    // A short MAC is never read past its end.
-    for (auto [macstr, ip] : {std::pair{"0a1b2c3d4e5f", "198.51.100.20"}, {"020000000099", "0.0.0.0"},
-                              {"0a1b2c3d4e5", "0.0.0.0"}})
+    // A MAC in either case; a short one is never read past its end.
+    for (auto [macstr, ip] : {std::pair{"0a1b2c3d4e5f", "198.51.100.20"}, {"0A1B2C3D4E5F", "198.51.100.20"},
+                              {"020000000099", "0.0.0.0"}, {"0a1b2c3d4e5", "0.0.0.0"}})
         EXPECT_STREQ(vesk_arp_get_ip_by_macstr(exact_copy(macstr)), ip) << macstr;
 }
 
