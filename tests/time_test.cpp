@@ -154,6 +154,7 @@ TEST(TimeZone, RemovesThenWritesTheZoneTextOrRefuses)
         {0, {1, 3, 31, 10, 32}, nullptr, bad_date}, {0, {1, 0, 1, 10, 1}, nullptr, bad_date},
         {0, {1, 3, 0, 10, 1}, nullptr, bad_date}, {0, {1, 3, 1, 0, 1}, nullptr, bad_date},
         {0, {1, 3, 1, 10, 0}, nullptr, bad_date}, {0, {1, 0x0103, 1, 10, 1}, nullptr, bad_date}, // the month's high byte
+        {0, {1, 13, 1, 10, 1}, nullptr, bad_date}, // both months end at 12
         {76, {1, 3, 1, 10, 31}, nullptr, "Error: vesk_set_time_zone time zone index (76) not in range \n"},
         {~0u, {1, 3, 1, 10, 31}, nullptr, "Error: vesk_set_time_zone time zone index (-1) not in range \n"},
     };
