@@ -37,6 +37,7 @@ TEST(AdminSession, RecordTimeoutsAndType)
                                   std::string(vesk_account_get_login_type())), std::make_tuple(c.http, c.cgi, c.name));
     }
     ASSERT_EQ(vesk_account_reset_admin_cfg(), 0);
+    EXPECT_NE(vdev::read("/storage/quil.dat").find("admin_cfg=" + std::string(148, '0') + "\n"), std::string::npos);
     EXPECT_STREQ(vesk_account_get_login_type(), "none");
     EXPECT_EQ(vesk_account_http_timeout(), 0);
 }

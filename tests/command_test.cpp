@@ -107,9 +107,10 @@ TEST_F(Command, HostileWordsNeverRunAsCommands)
     }
 }
 
-TEST_F(Command, EmptyWordsGiveTheDeviceCommandLines)
+TEST_F(Command, PlainAndEmptyWordsGiveTheDeviceCommandLines)
 {
     const struct { const char *what; std::function<void()> call; lines want; } cases[] = {
+        {"hostname", [] { vesk_net_set_hostname("AP-Zone"); }, {"echo AP-Zone > /etc/hostname"}}, // A and Z are plain
         {"empty hostname", [] { vesk_net_set_hostname(""); }, {"echo  > /etc/hostname"}},
         {"empty interface name", [] { vesk_wan_get_ppp_status("pppd", ""); }, {"netstat -rn | grep ''"}},
     };
